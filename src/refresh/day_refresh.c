@@ -1,0 +1,70 @@
+/* Part 3.2: day refresh: the colour profile's gain-dependent settings at system gain G, level L. */
+#include <stdio.h>
+
+#include "isptune.h"
+#include "profiles/profiles.h"
+#include "refresh/refresh.h"
+#include "refresh/refresh_steps.h"
+
+/* Which day curve the refresh last loaded: -1 none yet, 0 g_gamma_table_day, 1 the high-gain curve. */
+static int32_t s32DayGammaMark = -1;
+/* The host's u8DnrMode as this refresh last read it (step 2). */
+static int32_t s32DayDnrMode;
+
+static const RefreshCaller kDay = {
+    .func = "ISP_SetParamDayRefresh",
+    .nrs_get_line = 795,
+    .nrs_set_line = 836,
+    .black_get_line = 892,
+    .black_set_line = 920,
+};
+
+/* Step 8: the automatic white balance's strengths back to neutral. */
+static int refresh_white_balance(void)
+{
+    ISP_WB_INFO_S info; /* queried as the platform demands, not used further */
+    if (HI_MPI_ISP_QueryWBInfo(0, &info) != HI_SUCCESS) {
+        puts("HI_MPI_ISP_QueryWBInfo failed");
+        return -1;
+    }
+    ISP_WB_ATTR_S wb;
+    HI_S32 ret = HI_MPI_ISP_GetWBAttr(0, &wb);
+    if (ret != HI_SUCCESS) {
+        printf("HI_MPI_ISP_getWBAttr failed with %#x\n", (unsigned)ret);
+        return -1;
+    }
+    wb.stAuto.u8RGStrength = 128;
+    wb.stAuto.u8BGStrength = 128;
+    ret = HI_MPI_ISP_SetWBAttr(0, &wb);
+    if (ret != HI_SUCCESS) {
+        printf("HI_MPI_ISP_setWBAttr failed with %#x\n", (unsigned)ret);
+        return -1;
+    }
+    return 0;
+}
+
+int32_t ISP_SetParamDayRefresh(int32_t G, int32_t L)
+{
+    if (ISP_CheckGainLevel(kDay.func, L) != 0)
+        return -1;
+    const SysInfo *info = GetSysInfo(); /* step 1 */
+    if (info == NULL) {
+        puts("GetSysInfo failed is NULL");
+        return -1;
+    }
+    s32DayDnrMode = sysinfo_get(info, SYSINFO_u8DnrMode); /* step 2 */
+
+    const IspNrCaller nr_caller = {kDay.func, kDay.nrs_get_line, kDay.nrs_set_line};
+    const int32_t wanted_curve = G >= 55 ? 1 : 0;
+    static const uint32_t *const kCurves[2] = {g_gamma_table_day, g_gamma_table_day_highgain};
+
+    if (ISP_UpdateNrRecord(&g_3dnr_tables_day, s32DayDnrMode, G, L, &nr_caller) != 0 ||  /* step 3 */
+        refresh_drc(info, gColorDRCStrength, G, L) != 0 ||                              /* step 4 */
+        refresh_defog(info, gColorDefog, G, L) != 0 ||                                  /* step 5 */
+        refresh_black_level(&kDay, g_black_level_table_day, G) != 0 ||                  /* step 6 */
+        refresh_gamma(&s32DayGammaMark, wanted_curve, kCurves[wanted_curve]) != 0 ||    /* step 7 */
+        refresh_white_balance() != 0 ||                                                 /* step 8 */
+        refresh_backlight_strategy(info) != 0)                                          /* step 9 */
+        return -1;
+    return 0;
+}

@@ -1,0 +1,121 @@
+/* Part 3.1: gain-level interpolation, and the noise-reduction record update shared by both refreshes. */
+#include <stdio.h>
+#include <string.h>
+
+#include "refresh/refresh.h"
+
+/* floor(n / 2^k) for any sign of n: C's division truncates toward zero, Part 3.1 rounds down. */
+static int32_t floor_div_pow2(int32_t n, int32_t k)
+{
+    return n >= 0 ? n >> k : -((-n + (1 << k) - 1) >> k);
+}
+
+/* The spec's arithmetic, step by step in IEEE double (Part 3.1, Algorithms 1 to 6). 2^k for an integer
+ * k is exact in a double, so (double)(1 << k) equals the spec's pow(2.0, k) bit for bit. */
+static uint32_t interp_double(const uint8_t *table, int32_t G, int32_t L)
+{
+    double d = (double)((int32_t)table[L + 1] - (int32_t)table[L]);
+    double lo = (double)(1 << L);
+    double hi = (double)(1 << (L + 1));
+    double slope = d / (hi - lo);
+    double offset = (double)G - lo;
+    double v = (double)table[L] + slope * offset;
+    if (!(v > 0.0))
+        return 0;
+    if (v >= 4294967296.0)
+        return UINT32_MAX;
+    return (uint32_t)v;
+}
+
+uint32_t ISP_GainLevelInterp(const uint8_t table[ISP_LEVEL_COUNT], int32_t G, int32_t L)
+{
+    /* A level outside 0..10 would read outside the table. The refreshes refuse such a level before they
+     * get here (ISP_CheckGainLevel, docs/decisions.md); the clamp makes an out-of-table read impossible
+     * for any caller. A gain outside the level (below 1, say) follows the spec's double arithmetic. */
+    if (L < 0)
+        L = 0;
+    else if (L > ISP_LEVEL_MAX)
+        L = ISP_LEVEL_MAX;
+    /* Inside its level (2^L <= G <= 2^(L+1)) every double step is exact, so the result is the integer
+     * formula T[L] + floor((T[L+1] - T[L]) * (G - 2^L) / 2^L): no floating point on the camera's FPU-less
+     * CPU. tests/part_3_1_interp_test.cpp proves the two equal for every L, G and pair of entries. */
+    const int32_t lo = 1 << L;
+    if (G >= lo && G <= 2 * lo) {
+        int32_t d = (int32_t)table[L + 1] - (int32_t)table[L];
+        return (uint32_t)((int32_t)table[L] + floor_div_pow2(d * (G - lo), L));
+    }
+    return interp_double(table, G, L);
+}
+
+int ISP_CheckGainLevel(const char *func, int32_t L)
+{
+    if (L >= 0 && L <= ISP_LEVEL_MAX)
+        return 0;
+    printf("%s: gain level %d is outside 0..10, nothing refreshed\n", func, (int)L);
+    return -1;
+}
+
+int ISP_UpdateNrRecord(const IspNrTables *tables, int32_t dnr_mode, int32_t G, int32_t L,
+                       const IspNrCaller *caller)
+{
+    VPSS_GRP_NRS_PARAM_S nrs; /* 64 bytes: the version word and the union of the V1 and V2 blocks */
+
+    /* Steps 1 and 2: the version selects the block on the get as well as on the set. */
+    memset(&nrs, 0, sizeof nrs);
+    nrs.enNRVer = VPSS_NR_V2;
+    HI_S32 ret = HI_MPI_VPSS_GetGrpNRSParam(0, &nrs);
+    if (ret != HI_SUCCESS) {
+        printf("HI_MPI_VPSS_GetGrpNRSParam %s %d failed %#x !!!\n", caller->func, caller->get_line,
+               (unsigned)ret);
+        return -1;
+    }
+
+    /* Step 3. */
+    NRS_PARAM_V2_S *p = &nrs.stNRSParam_V2;
+    p->IES0 = 0;
+    nrs.enNRVer = VPSS_NR_V2;
+
+    /* Step 4: the twenty fields the refresh always drives, in record order. Each store keeps the low
+     * bits that fit the field (Part 3.1, Interfaces); the result always lies between two table entries. */
+#define NR_INTERP(field) (p->field = (HI_U8)ISP_GainLevelInterp(tables->field, G, L))
+    NR_INTERP(SBS0);
+    NR_INTERP(SBS1);
+    NR_INTERP(SBS2);
+    NR_INTERP(SDS0);
+    NR_INTERP(SDS1);
+    NR_INTERP(SDS2);
+    NR_INTERP(STH0);
+    NR_INTERP(STH1);
+    NR_INTERP(STH2);
+    NR_INTERP(STH3);
+    NR_INTERP(MDP);
+    NR_INTERP(Pro3);
+    NR_INTERP(MDDZ1);
+    NR_INTERP(MDDZ2);
+    NR_INTERP(TFS1);
+    NR_INTERP(TFS2);
+    NR_INTERP(SFC);
+    NR_INTERP(TFC);
+    NR_INTERP(TPC);
+    NR_INTERP(TRC);
+
+    /* Step 5: the pairs the user does not own (mode 1 owns the 2D pair, 2 the 3D pair, 3 both). */
+    if (dnr_mode == 0 || dnr_mode == 2) {
+        NR_INTERP(SBS3);
+        NR_INTERP(SDS3);
+    }
+#undef NR_INTERP
+    if (dnr_mode == 0 || dnr_mode == 1) {
+        p->MATH1 = (HI_U16)ISP_GainLevelInterp(tables->MATH1, G, L);
+        p->MATH2 = (HI_U16)ISP_GainLevelInterp(tables->MATH2, G, L);
+    }
+
+    /* Step 6. */
+    ret = HI_MPI_VPSS_SetGrpNRSParam(0, &nrs);
+    if (ret != HI_SUCCESS) {
+        printf("HI_MPI_VPSS_SetGrpNRSParam %s %d failed %#x !!!\n", caller->func, caller->set_line,
+               (unsigned)ret);
+        return -1;
+    }
+    return 0;
+}

@@ -1,0 +1,787 @@
+// Platform seam: run-time checks of the MPP record layouts, error codes, enum values and prototypes.
+//
+// src/platform/mpp.h pins the same figures at compile time; repeating them here prints them in the test
+// output and runs them on the target too (qemu-arm in the ARM build, the vendor headers in the hisi build).
+// Expected figures are those of platform-layouts.md, sections (b) to (e).
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <type_traits>
+
+#include "platform/mpp.h"
+
+namespace {
+
+void check_record(const char *record, std::size_t size, std::size_t align, std::size_t want_size,
+                  std::size_t want_align)
+{
+    std::printf("%-34s size %4zu  align %zu\n", record, size, align);
+    EXPECT_EQ(size, want_size) << record << ": size";
+    EXPECT_EQ(align, want_align) << record << ": alignment";
+}
+
+void check_member(const char *record, const char *member, std::size_t offset, std::size_t size,
+                  std::size_t want_offset, std::size_t want_size)
+{
+    std::printf("  %4zu %4zu  %s\n", offset, size, member);
+    EXPECT_EQ(offset, want_offset) << record << ": offset of " << member;
+    EXPECT_EQ(size, want_size) << record << ": size of " << member;
+}
+
+// The word the vendor's HI_DEF_ERR builds: application id, module, level ERROR (4), error id.
+HI_S32 vendor_error(std::uint32_t module, std::uint32_t errid)
+{
+    return static_cast<HI_S32>(0x80000000u | 0x20000000u | (module << 16) | (4u << 13) | errid);
+}
+
+constexpr std::uint32_t kIdVpss = 7;
+constexpr std::uint32_t kIdViu = 16;
+constexpr std::uint32_t kIdIsp = 28;
+
+} // namespace
+
+#define EXPECT_RECORD(T, size, align) check_record(#T, sizeof(T), alignof(T), (size), (align))
+#define EXPECT_MEMBER(T, member, offset, size)                                                          \
+    check_member(#T, #member, offsetof(T, member), sizeof(static_cast<T *>(nullptr)->member), (offset), \
+                 (size))
+#define EXPECT_ERROR_CODE(name, word, as_s32)                                                          \
+    do {                                                                                                \
+        static_assert(std::is_same<decltype(name), HI_S32>::value, #name " is not an HI_S32");          \
+        std::printf("%-28s %#010x %d\n", #name, static_cast<unsigned>(name), static_cast<int>(name)); \
+        EXPECT_EQ(name, static_cast<HI_S32>(word)) << #name;                                            \
+        EXPECT_EQ(name, (as_s32)) << #name;                                                             \
+    } while (0)
+// Each prototype exactly as section (d) lists it (const where listed, typed NRS record).
+#define EXPECT_PROTOTYPE(fn, Handle, Arg) \
+    static_assert(std::is_same<decltype(&fn), HI_S32 (*)(Handle, Arg)>::value, #fn ": prototype differs")
+
+// ---- (b) record layouts: one test per record ----
+
+TEST(PlatformLayout, ISP_EXPOSURE_ATTR_S)
+{
+    EXPECT_RECORD(ISP_EXPOSURE_ATTR_S, 412, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, bByPass, 0, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, enOpType, 4, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, u8AERunInterval, 8, 1);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, bHistStatAdjust, 12, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, bAERouteExValid, 16, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stManual, 20, 32);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stManual.enExpTimeOpType, 20, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stManual.enAGainOpType, 24, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stManual.enDGainOpType, 28, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stManual.enISPDGainOpType, 32, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stManual.u32ExpTime, 36, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stManual.u32AGain, 40, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stManual.u32DGain, 44, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stManual.u32ISPDGain, 48, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto, 52, 360);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stExpTimeRange, 52, 8);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stExpTimeRange.u32Max, 52, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stExpTimeRange.u32Min, 56, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stAGainRange, 60, 8);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stAGainRange.u32Max, 60, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stAGainRange.u32Min, 64, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stDGainRange, 68, 8);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stDGainRange.u32Max, 68, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stDGainRange.u32Min, 72, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stISPDGainRange, 76, 8);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stISPDGainRange.u32Max, 76, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stISPDGainRange.u32Min, 80, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stSysGainRange, 84, 8);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stSysGainRange.u32Max, 84, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stSysGainRange.u32Min, 88, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.u32GainThreshold, 92, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.u8Speed, 96, 1);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.u16BlackSpeedBias, 98, 2);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.u8Tolerance, 100, 1);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.u8Compensation, 101, 1);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.u16EVBias, 102, 2);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.enAEStrategyMode, 104, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.u16HistRatioSlope, 108, 2);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.u8MaxHistOffset, 110, 1);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.enAEMode, 112, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stAntiflicker, 116, 12);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stAntiflicker.bEnable, 116, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stAntiflicker.u8Frequency, 120, 1);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stAntiflicker.enMode, 124, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stSubflicker, 128, 8);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stSubflicker.bEnable, 128, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stSubflicker.u8LumaDiff, 132, 1);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stAEDelayAttr, 136, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stAEDelayAttr.u16BlackDelayFrame, 136, 2);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.stAEDelayAttr.u16WhiteDelayFrame, 138, 2);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.bManualExpValue, 140, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.u32ExpValue, 144, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.enFSWDRMode, 148, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.bWDRQuick, 152, 4);
+    EXPECT_MEMBER(ISP_EXPOSURE_ATTR_S, stAuto.au8Weight, 156, 255);
+}
+
+TEST(PlatformLayout, ISP_EXP_INFO_S)
+{
+    EXPECT_RECORD(ISP_EXP_INFO_S, 4812, 4);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, u32ExpTime, 0, 4);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, u32LongExpTime, 4, 4);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, u32AGain, 8, 4);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, u32DGain, 12, 4);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, u32ISPDGain, 16, 4);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, u32Exposure, 20, 4);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, bExposureIsMAX, 24, 4);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, s16HistError, 28, 2);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, u32AE_Hist1024Value, 32, 4096);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, u16AE_Hist5Value, 4128, 10);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, u8AveLum, 4138, 1);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, u32LinesPer500ms, 4140, 4);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, u32PirisFNO, 4144, 4);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, u32Fps, 4148, 4);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, u32ISO, 4152, 4);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, u32RefExpRatio, 4156, 4);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, u32FirstStableTime, 4160, 4);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, stAERoute, 4164, 260);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, stAERoute.u32TotalNum, 4164, 4);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, stAERoute.astRouteNode, 4168, 256);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, stAERouteEx, 4424, 388);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, stAERouteEx.u32TotalNum, 4424, 4);
+    EXPECT_MEMBER(ISP_EXP_INFO_S, stAERouteEx.astRouteExNode, 4428, 384);
+}
+
+TEST(PlatformLayout, ISP_DRC_ATTR_S)
+{
+    EXPECT_RECORD(ISP_DRC_ATTR_S, 496, 4);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, bEnable, 0, 4);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, bUserTmEnable, 4, 4);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, bUserTmUpdate, 8, 4);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, u8SpatialVar, 12, 1);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, u8RangeVar, 13, 1);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, u8Asymmetry, 14, 1);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, u8SecondPole, 15, 1);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, u8Stretch, 16, 1);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, u8Compress, 17, 1);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, u8PDStrength, 18, 1);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, u8LocalMixingBrigtht, 19, 1);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, u8LocalMixingDark, 20, 1);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, u16ColorCorrectionLut, 22, 66);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, au16ToneMappingValue, 88, 400);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, enOpType, 488, 4);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, stManual, 492, 1);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, stManual.u8Strength, 492, 1);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, stAuto, 493, 3);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, stAuto.u8Strength, 493, 1);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, stAuto.u8StrengthMax, 494, 1);
+    EXPECT_MEMBER(ISP_DRC_ATTR_S, stAuto.u8StrengthMin, 495, 1);
+}
+
+TEST(PlatformLayout, VPSS_GRP_NRS_PARAM_S)
+{
+    EXPECT_RECORD(VPSS_GRP_NRS_PARAM_S, 64, 4);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, enNRVer, 0, 4);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V1, 4, 60);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V1.s32YPKStr, 4, 4);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V1.s32YSFStr, 8, 4);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V1.s32YTFStr, 12, 4);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V1.s32TFStrMax, 16, 4);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V1.s32TFStrMov, 20, 4);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V1.s32YSmthStr, 24, 4);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V1.s32YSmthRat, 28, 4);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V1.s32YSFStrDlt, 32, 4);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V1.s32YSFStrDl, 36, 4);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V1.s32YTFStrDlt, 40, 4);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V1.s32YTFStrDl, 44, 4);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V1.s32YSFBriRat, 48, 4);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V1.s32CSFStr, 52, 4);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V1.s32CTFstr, 56, 4);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V1.s32YTFMdWin, 60, 4);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2, 4, 28);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.IES0, 4, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.SBS0, 5, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.SBS1, 6, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.SBS2, 7, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.SBS3, 8, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.SDS0, 9, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.SDS1, 10, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.SDS2, 11, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.SDS3, 12, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.STH0, 13, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.STH1, 14, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.STH2, 15, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.STH3, 16, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.MDP, 17, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.LNTH, 18, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.Pro3, 19, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.MATH1, 20, 2);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.MATH2, 22, 2);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.MDDZ1, 24, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.MDDZ2, 25, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.TFS1, 26, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.TFS2, 27, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.SFC, 28, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.TFC, 29, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.TPC, 30, 1);
+    EXPECT_MEMBER(VPSS_GRP_NRS_PARAM_S, stNRSParam_V2.TRC, 31, 1);
+}
+
+TEST(PlatformLayout, VPSS_GRP_ATTR_S)
+{
+    EXPECT_RECORD(VPSS_GRP_ATTR_S, 36, 4);
+    EXPECT_MEMBER(VPSS_GRP_ATTR_S, u32MaxW, 0, 4);
+    EXPECT_MEMBER(VPSS_GRP_ATTR_S, u32MaxH, 4, 4);
+    EXPECT_MEMBER(VPSS_GRP_ATTR_S, enPixFmt, 8, 4);
+    EXPECT_MEMBER(VPSS_GRP_ATTR_S, bIeEn, 12, 4);
+    EXPECT_MEMBER(VPSS_GRP_ATTR_S, bDciEn, 16, 4);
+    EXPECT_MEMBER(VPSS_GRP_ATTR_S, bNrEn, 20, 4);
+    EXPECT_MEMBER(VPSS_GRP_ATTR_S, bHistEn, 24, 4);
+    EXPECT_MEMBER(VPSS_GRP_ATTR_S, enDieMode, 28, 4);
+    EXPECT_MEMBER(VPSS_GRP_ATTR_S, bSharpenEn, 32, 4);
+}
+
+TEST(PlatformLayout, ISP_PUB_ATTR_S)
+{
+    EXPECT_RECORD(ISP_PUB_ATTR_S, 24, 4);
+    EXPECT_MEMBER(ISP_PUB_ATTR_S, stWndRect, 0, 16);
+    EXPECT_MEMBER(ISP_PUB_ATTR_S, stWndRect.s32X, 0, 4);
+    EXPECT_MEMBER(ISP_PUB_ATTR_S, stWndRect.s32Y, 4, 4);
+    EXPECT_MEMBER(ISP_PUB_ATTR_S, stWndRect.u32Width, 8, 4);
+    EXPECT_MEMBER(ISP_PUB_ATTR_S, stWndRect.u32Height, 12, 4);
+    EXPECT_MEMBER(ISP_PUB_ATTR_S, f32FrameRate, 16, 4);
+    EXPECT_MEMBER(ISP_PUB_ATTR_S, enBayer, 20, 4);
+}
+
+TEST(PlatformLayout, ISP_WB_ATTR_S)
+{
+    EXPECT_RECORD(ISP_WB_ATTR_S, 264, 4);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, bByPass, 0, 4);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, u8AWBRunInterval, 4, 1);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, enOpType, 8, 4);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stManual, 12, 8);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stManual.u16Rgain, 12, 2);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stManual.u16Grgain, 14, 2);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stManual.u16Gbgain, 16, 2);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stManual.u16Bgain, 18, 2);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto, 20, 244);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.bEnable, 20, 4);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.u16RefColorTemp, 24, 2);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.au16StaticWB, 26, 8);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.as32CurvePara, 36, 24);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.enAlgType, 60, 4);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.u8RGStrength, 64, 1);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.u8BGStrength, 65, 1);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.u16Speed, 66, 2);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.u16ZoneSel, 68, 2);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.u16HighColorTemp, 70, 2);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.u16LowColorTemp, 72, 2);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stCTLimit, 76, 16);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stCTLimit.bEnable, 76, 4);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stCTLimit.enOpType, 80, 4);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stCTLimit.u16HighRgLimit, 84, 2);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stCTLimit.u16HighBgLimit, 86, 2);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stCTLimit.u16LowRgLimit, 88, 2);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stCTLimit.u16LowBgLimit, 90, 2);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.bShiftLimitEn, 92, 4);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.u8ShiftLimit, 96, 1);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.bGainNormEn, 100, 4);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stCbCrTrack, 104, 132);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stCbCrTrack.bEnable, 104, 4);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stCbCrTrack.au16CrMax, 108, 32);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stCbCrTrack.au16CrMin, 140, 32);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stCbCrTrack.au16CbMax, 172, 32);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stCbCrTrack.au16CbMin, 204, 32);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stLumaHist, 236, 28);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stLumaHist.bEnable, 236, 4);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stLumaHist.enOpType, 240, 4);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stLumaHist.au8HistThresh, 244, 6);
+    EXPECT_MEMBER(ISP_WB_ATTR_S, stAuto.stLumaHist.au16HistWt, 250, 12);
+}
+
+TEST(PlatformLayout, ISP_AWB_ATTR_EX_S)
+{
+    EXPECT_RECORD(ISP_AWB_ATTR_EX_S, 128, 4);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, u8Tolerance, 0, 1);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, u8ZoneRadius, 1, 1);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, u16CurveLLimit, 2, 2);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, u16CurveRLimit, 4, 2);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, bExtraLightEn, 8, 4);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, stLightInfo, 12, 32);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, stInOrOut, 44, 32);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, stInOrOut.bEnable, 44, 4);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, stInOrOut.enOpType, 48, 4);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, stInOrOut.enOutdoorStatus, 52, 4);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, stInOrOut.u32OutThresh, 56, 4);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, stInOrOut.u16LowStart, 60, 2);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, stInOrOut.u16LowStop, 62, 2);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, stInOrOut.u16HighStart, 64, 2);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, stInOrOut.u16HighStop, 66, 2);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, stInOrOut.bGreenEnhanceEn, 68, 4);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, stInOrOut.u8OutShiftLimit, 72, 1);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, bMultiLightSourceEn, 76, 4);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, enMultiLSType, 80, 4);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, u16MultiLSScaler, 84, 2);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, au16MultiCTBin, 86, 16);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, au16MultiCTWt, 102, 16);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, bFineTunEn, 120, 4);
+    EXPECT_MEMBER(ISP_AWB_ATTR_EX_S, u8FineTunStrength, 124, 1);
+}
+
+TEST(PlatformLayout, ISP_WB_INFO_S)
+{
+    EXPECT_RECORD(ISP_WB_INFO_S, 44, 4);
+    EXPECT_MEMBER(ISP_WB_INFO_S, u16Rgain, 0, 2);
+    EXPECT_MEMBER(ISP_WB_INFO_S, u16Grgain, 2, 2);
+    EXPECT_MEMBER(ISP_WB_INFO_S, u16Gbgain, 4, 2);
+    EXPECT_MEMBER(ISP_WB_INFO_S, u16Bgain, 6, 2);
+    EXPECT_MEMBER(ISP_WB_INFO_S, u16Saturation, 8, 2);
+    EXPECT_MEMBER(ISP_WB_INFO_S, u16ColorTemp, 10, 2);
+    EXPECT_MEMBER(ISP_WB_INFO_S, au16CCM, 12, 18);
+    EXPECT_MEMBER(ISP_WB_INFO_S, u16LS0CT, 30, 2);
+    EXPECT_MEMBER(ISP_WB_INFO_S, u16LS1CT, 32, 2);
+    EXPECT_MEMBER(ISP_WB_INFO_S, u16LS0Area, 34, 2);
+    EXPECT_MEMBER(ISP_WB_INFO_S, u16LS1Area, 36, 2);
+    EXPECT_MEMBER(ISP_WB_INFO_S, u8MultiDegree, 38, 1);
+    EXPECT_MEMBER(ISP_WB_INFO_S, enInOutStatus, 40, 4);
+}
+
+TEST(PlatformLayout, ISP_BLACK_LEVEL_S)
+{
+    EXPECT_RECORD(ISP_BLACK_LEVEL_S, 8, 2);
+    EXPECT_MEMBER(ISP_BLACK_LEVEL_S, au16BlackLevel, 0, 8);
+}
+
+TEST(PlatformLayout, ISP_GAMMA_ATTR_S)
+{
+    EXPECT_RECORD(ISP_GAMMA_ATTR_S, 524, 4);
+    EXPECT_MEMBER(ISP_GAMMA_ATTR_S, bEnable, 0, 4);
+    EXPECT_MEMBER(ISP_GAMMA_ATTR_S, enCurveType, 4, 4);
+    EXPECT_MEMBER(ISP_GAMMA_ATTR_S, u16Table, 8, 514);
+}
+
+TEST(PlatformLayout, ISP_SATURATION_ATTR_S)
+{
+    EXPECT_RECORD(ISP_SATURATION_ATTR_S, 24, 4);
+    EXPECT_MEMBER(ISP_SATURATION_ATTR_S, enOpType, 0, 4);
+    EXPECT_MEMBER(ISP_SATURATION_ATTR_S, stManual, 4, 1);
+    EXPECT_MEMBER(ISP_SATURATION_ATTR_S, stManual.u8Saturation, 4, 1);
+    EXPECT_MEMBER(ISP_SATURATION_ATTR_S, stAuto, 5, 16);
+    EXPECT_MEMBER(ISP_SATURATION_ATTR_S, stAuto.au8Sat, 5, 16);
+}
+
+TEST(PlatformLayout, ISP_COLORMATRIX_ATTR_S)
+{
+    EXPECT_RECORD(ISP_COLORMATRIX_ATTR_S, 96, 4);
+    EXPECT_MEMBER(ISP_COLORMATRIX_ATTR_S, enOpType, 0, 4);
+    EXPECT_MEMBER(ISP_COLORMATRIX_ATTR_S, stManual, 4, 24);
+    EXPECT_MEMBER(ISP_COLORMATRIX_ATTR_S, stManual.bSatEn, 4, 4);
+    EXPECT_MEMBER(ISP_COLORMATRIX_ATTR_S, stManual.au16CCM, 8, 18);
+    EXPECT_MEMBER(ISP_COLORMATRIX_ATTR_S, stAuto, 28, 68);
+    EXPECT_MEMBER(ISP_COLORMATRIX_ATTR_S, stAuto.bISOActEn, 28, 4);
+    EXPECT_MEMBER(ISP_COLORMATRIX_ATTR_S, stAuto.bTempActEn, 32, 4);
+    EXPECT_MEMBER(ISP_COLORMATRIX_ATTR_S, stAuto.u16HighColorTemp, 36, 2);
+    EXPECT_MEMBER(ISP_COLORMATRIX_ATTR_S, stAuto.au16HighCCM, 38, 18);
+    EXPECT_MEMBER(ISP_COLORMATRIX_ATTR_S, stAuto.u16MidColorTemp, 56, 2);
+    EXPECT_MEMBER(ISP_COLORMATRIX_ATTR_S, stAuto.au16MidCCM, 58, 18);
+    EXPECT_MEMBER(ISP_COLORMATRIX_ATTR_S, stAuto.u16LowColorTemp, 76, 2);
+    EXPECT_MEMBER(ISP_COLORMATRIX_ATTR_S, stAuto.au16LowCCM, 78, 18);
+}
+
+TEST(PlatformLayout, ISP_ANTI_FALSECOLOR_S)
+{
+    EXPECT_RECORD(ISP_ANTI_FALSECOLOR_S, 76, 4);
+    EXPECT_MEMBER(ISP_ANTI_FALSECOLOR_S, bEnable, 0, 4);
+    EXPECT_MEMBER(ISP_ANTI_FALSECOLOR_S, enOpType, 4, 4);
+    EXPECT_MEMBER(ISP_ANTI_FALSECOLOR_S, stManual, 8, 4);
+    EXPECT_MEMBER(ISP_ANTI_FALSECOLOR_S, stManual.u8Strength, 8, 1);
+    EXPECT_MEMBER(ISP_ANTI_FALSECOLOR_S, stManual.u8Threshold, 9, 1);
+    EXPECT_MEMBER(ISP_ANTI_FALSECOLOR_S, stManual.u16Offset, 10, 2);
+    EXPECT_MEMBER(ISP_ANTI_FALSECOLOR_S, stAuto, 12, 64);
+    EXPECT_MEMBER(ISP_ANTI_FALSECOLOR_S, stAuto.au8Strength, 12, 16);
+    EXPECT_MEMBER(ISP_ANTI_FALSECOLOR_S, stAuto.au8Threshold, 28, 16);
+    EXPECT_MEMBER(ISP_ANTI_FALSECOLOR_S, stAuto.au16Offset, 44, 32);
+}
+
+TEST(PlatformLayout, ISP_DEMOSAIC_ATTR_S)
+{
+    EXPECT_RECORD(ISP_DEMOSAIC_ATTR_S, 300, 4);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, bEnable, 0, 4);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, enOpType, 4, 4);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stManual, 8, 18);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stManual.u16EdgeSmoothThr, 8, 2);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stManual.u16EdgeSmoothSlope, 10, 2);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stManual.u16AntiAliasThr, 12, 2);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stManual.u16AntiAliasSlope, 14, 2);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stManual.u16NrCoarseStr, 16, 2);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stManual.u8DetailEnhanceStr, 18, 1);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stManual.u16NoiseSuppressStr, 20, 2);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stManual.u16SharpenLumaStr, 22, 2);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stManual.u16ColorNoiseCtrlThr, 24, 2);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stAuto, 26, 272);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stAuto.au16EdgeSmoothThr, 26, 32);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stAuto.au16EdgeSmoothSlope, 58, 32);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stAuto.au16AntiAliasThr, 90, 32);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stAuto.au16AntiAliasSlope, 122, 32);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stAuto.au16NrCoarseStr, 154, 32);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stAuto.au8DetailEnhanceStr, 186, 16);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stAuto.au16NoiseSuppressStr, 202, 32);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stAuto.au16SharpenLumaStr, 234, 32);
+    EXPECT_MEMBER(ISP_DEMOSAIC_ATTR_S, stAuto.au16ColorNoiseCtrlThr, 266, 32);
+}
+
+TEST(PlatformLayout, ISP_DP_DYNAMIC_ATTR_S)
+{
+    EXPECT_RECORD(ISP_DP_DYNAMIC_ATTR_S, 96, 4);
+    EXPECT_MEMBER(ISP_DP_DYNAMIC_ATTR_S, bEnable, 0, 4);
+    EXPECT_MEMBER(ISP_DP_DYNAMIC_ATTR_S, bSupTwinkleEn, 4, 4);
+    EXPECT_MEMBER(ISP_DP_DYNAMIC_ATTR_S, s8SoftThr, 8, 1);
+    EXPECT_MEMBER(ISP_DP_DYNAMIC_ATTR_S, u8SoftSlope, 9, 1);
+    EXPECT_MEMBER(ISP_DP_DYNAMIC_ATTR_S, enOpType, 12, 4);
+    EXPECT_MEMBER(ISP_DP_DYNAMIC_ATTR_S, stManual, 16, 10);
+    EXPECT_MEMBER(ISP_DP_DYNAMIC_ATTR_S, stManual.u16Strength, 16, 2);
+    EXPECT_MEMBER(ISP_DP_DYNAMIC_ATTR_S, stManual.u16Thresh, 18, 2);
+    EXPECT_MEMBER(ISP_DP_DYNAMIC_ATTR_S, stManual.u16LineThresh, 20, 2);
+    EXPECT_MEMBER(ISP_DP_DYNAMIC_ATTR_S, stManual.u16HpThresh, 22, 2);
+    EXPECT_MEMBER(ISP_DP_DYNAMIC_ATTR_S, stManual.u16BlendRatio, 24, 2);
+    EXPECT_MEMBER(ISP_DP_DYNAMIC_ATTR_S, stAuto, 26, 70);
+    EXPECT_MEMBER(ISP_DP_DYNAMIC_ATTR_S, stAuto.au16Strength, 26, 32);
+    EXPECT_MEMBER(ISP_DP_DYNAMIC_ATTR_S, stAuto.u16Thresh, 58, 2);
+    EXPECT_MEMBER(ISP_DP_DYNAMIC_ATTR_S, stAuto.u16LineThresh, 60, 2);
+    EXPECT_MEMBER(ISP_DP_DYNAMIC_ATTR_S, stAuto.u16HpThresh, 62, 2);
+    EXPECT_MEMBER(ISP_DP_DYNAMIC_ATTR_S, stAuto.au16BlendRatio, 64, 32);
+}
+
+TEST(PlatformLayout, ISP_SHARPEN_ATTR_S)
+{
+    EXPECT_RECORD(ISP_SHARPEN_ATTR_S, 212, 4);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, bEnable, 0, 4);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, u8LumaWgt, 4, 32);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, enOpType, 36, 4);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stManual, 40, 10);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stManual.u16SharpenUd, 40, 2);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stManual.u8SharpenD, 42, 1);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stManual.u8TextureThr, 43, 1);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stManual.u8SharpenEdge, 44, 1);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stManual.u8EdgeThr, 45, 1);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stManual.u8OverShoot, 46, 1);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stManual.u8UnderShoot, 47, 1);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stManual.u8shootSupStr, 48, 1);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stManual.u8DetailCtrl, 49, 1);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stAuto, 50, 160);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stAuto.au16SharpenUd, 50, 32);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stAuto.au8SharpenD, 82, 16);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stAuto.au8TextureThr, 98, 16);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stAuto.au8SharpenEdge, 114, 16);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stAuto.au8EdgeThr, 130, 16);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stAuto.au8OverShoot, 146, 16);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stAuto.au8UnderShoot, 162, 16);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stAuto.au8shootSupStr, 178, 16);
+    EXPECT_MEMBER(ISP_SHARPEN_ATTR_S, stAuto.au8DetailCtrl, 194, 16);
+}
+
+TEST(PlatformLayout, ISP_DEFOG_ATTR_S)
+{
+    EXPECT_RECORD(ISP_DEFOG_ATTR_S, 12, 4);
+    EXPECT_MEMBER(ISP_DEFOG_ATTR_S, bEnable, 0, 4);
+    EXPECT_MEMBER(ISP_DEFOG_ATTR_S, enOpType, 4, 4);
+    EXPECT_MEMBER(ISP_DEFOG_ATTR_S, stManual, 8, 1);
+    EXPECT_MEMBER(ISP_DEFOG_ATTR_S, stManual.u8strength, 8, 1);
+    EXPECT_MEMBER(ISP_DEFOG_ATTR_S, stAuto, 9, 1);
+    EXPECT_MEMBER(ISP_DEFOG_ATTR_S, stAuto.u8strength, 9, 1);
+}
+
+TEST(PlatformLayout, ISP_IRIS_ATTR_S)
+{
+    EXPECT_RECORD(ISP_IRIS_ATTR_S, 24, 4);
+    EXPECT_MEMBER(ISP_IRIS_ATTR_S, bEnable, 0, 4);
+    EXPECT_MEMBER(ISP_IRIS_ATTR_S, enOpType, 4, 4);
+    EXPECT_MEMBER(ISP_IRIS_ATTR_S, enIrisType, 8, 4);
+    EXPECT_MEMBER(ISP_IRIS_ATTR_S, enIrisStatus, 12, 4);
+    EXPECT_MEMBER(ISP_IRIS_ATTR_S, stMIAttr, 16, 8);
+    EXPECT_MEMBER(ISP_IRIS_ATTR_S, stMIAttr.u32HoldValue, 16, 4);
+    EXPECT_MEMBER(ISP_IRIS_ATTR_S, stMIAttr.enIrisFNO, 20, 4);
+}
+
+TEST(PlatformLayout, ISP_DCIRIS_ATTR_S)
+{
+    EXPECT_RECORD(ISP_DCIRIS_ATTR_S, 24, 4);
+    EXPECT_MEMBER(ISP_DCIRIS_ATTR_S, s32Kp, 0, 4);
+    EXPECT_MEMBER(ISP_DCIRIS_ATTR_S, s32Ki, 4, 4);
+    EXPECT_MEMBER(ISP_DCIRIS_ATTR_S, s32Kd, 8, 4);
+    EXPECT_MEMBER(ISP_DCIRIS_ATTR_S, u32MinPwmDuty, 12, 4);
+    EXPECT_MEMBER(ISP_DCIRIS_ATTR_S, u32MaxPwmDuty, 16, 4);
+    EXPECT_MEMBER(ISP_DCIRIS_ATTR_S, u32OpenPwmDuty, 20, 4);
+}
+
+TEST(PlatformLayout, VI_DCI_PARAM_S)
+{
+    EXPECT_RECORD(VI_DCI_PARAM_S, 28, 4);
+    EXPECT_MEMBER(VI_DCI_PARAM_S, bEnable, 0, 4);
+    EXPECT_MEMBER(VI_DCI_PARAM_S, u32BlackGain, 4, 4);
+    EXPECT_MEMBER(VI_DCI_PARAM_S, u32ContrastGain, 8, 4);
+    EXPECT_MEMBER(VI_DCI_PARAM_S, u32LightGain, 12, 4);
+    EXPECT_MEMBER(VI_DCI_PARAM_S, bManBlendEn, 16, 4);
+    EXPECT_MEMBER(VI_DCI_PARAM_S, u32BlendRatio, 20, 4);
+    EXPECT_MEMBER(VI_DCI_PARAM_S, bBlackStretchEn, 24, 4);
+}
+
+TEST(PlatformLayout, VI_CSC_ATTR_S)
+{
+    EXPECT_RECORD(VI_CSC_ATTR_S, 84, 4);
+    EXPECT_MEMBER(VI_CSC_ATTR_S, enViCscType, 0, 4);
+    EXPECT_MEMBER(VI_CSC_ATTR_S, u32LumaVal, 4, 4);
+    EXPECT_MEMBER(VI_CSC_ATTR_S, u32ContrVal, 8, 4);
+    EXPECT_MEMBER(VI_CSC_ATTR_S, u32HueVal, 12, 4);
+    EXPECT_MEMBER(VI_CSC_ATTR_S, u32SatuVal, 16, 4);
+    EXPECT_MEMBER(VI_CSC_ATTR_S, bTVModeEn, 20, 4);
+    EXPECT_MEMBER(VI_CSC_ATTR_S, stCSCMatrix, 24, 60);
+    EXPECT_MEMBER(VI_CSC_ATTR_S, stCSCMatrix.s32CSCIdc, 24, 12);
+    EXPECT_MEMBER(VI_CSC_ATTR_S, stCSCMatrix.s32CSCOdc, 36, 12);
+    EXPECT_MEMBER(VI_CSC_ATTR_S, stCSCMatrix.s32CSCCoef, 48, 36);
+}
+
+TEST(PlatformLayout, ElementStructs)
+{
+    EXPECT_EQ(sizeof(ISP_ME_ATTR_S), 32u) << "ISP_ME_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_AE_ATTR_S), 360u) << "ISP_AE_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_AE_RANGE_S), 8u) << "ISP_AE_RANGE_S";
+    EXPECT_EQ(sizeof(ISP_ANTIFLICKER_S), 12u) << "ISP_ANTIFLICKER_S";
+    EXPECT_EQ(sizeof(ISP_SUBFLICKER_S), 8u) << "ISP_SUBFLICKER_S";
+    EXPECT_EQ(sizeof(ISP_AE_DELAY_S), 4u) << "ISP_AE_DELAY_S";
+    EXPECT_EQ(sizeof(ISP_AE_ROUTE_S), 260u) << "ISP_AE_ROUTE_S";
+    EXPECT_EQ(sizeof(ISP_AE_ROUTE_EX_S), 388u) << "ISP_AE_ROUTE_EX_S";
+    EXPECT_EQ(sizeof(ISP_DRC_MANUAL_ATTR_S), 1u) << "ISP_DRC_MANUAL_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_DRC_AUTO_ATTR_S), 3u) << "ISP_DRC_AUTO_ATTR_S";
+    EXPECT_EQ(sizeof(VPSS_NR_PARAM_V1_S), 60u) << "VPSS_NR_PARAM_V1_S";
+    EXPECT_EQ(sizeof(NRS_PARAM_V2_S), 28u) << "NRS_PARAM_V2_S";
+    EXPECT_EQ(sizeof(RECT_S), 16u) << "RECT_S";
+    EXPECT_EQ(sizeof(ISP_MWB_ATTR_S), 8u) << "ISP_MWB_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_AWB_ATTR_S), 244u) << "ISP_AWB_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_AWB_CT_LIMIT_ATTR_S), 16u) << "ISP_AWB_CT_LIMIT_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_AWB_CBCR_TRACK_ATTR_S), 132u) << "ISP_AWB_CBCR_TRACK_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_AWB_LUM_HISTGRAM_ATTR_S), 28u) << "ISP_AWB_LUM_HISTGRAM_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_AWB_IN_OUT_ATTR_S), 32u) << "ISP_AWB_IN_OUT_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_SATURATION_MANUAL_S), 1u) << "ISP_SATURATION_MANUAL_S";
+    EXPECT_EQ(sizeof(ISP_SATURATION_AUTO_S), 16u) << "ISP_SATURATION_AUTO_S";
+    EXPECT_EQ(sizeof(ISP_COLORMATRIX_MANUAL_S), 24u) << "ISP_COLORMATRIX_MANUAL_S";
+    EXPECT_EQ(sizeof(ISP_COLORMATRIX_AUTO_S), 68u) << "ISP_COLORMATRIX_AUTO_S";
+    EXPECT_EQ(sizeof(ISP_ANTI_FALSECOLOR_MANUAL_S), 4u) << "ISP_ANTI_FALSECOLOR_MANUAL_S";
+    EXPECT_EQ(sizeof(ISP_ANTI_FALSECOLOR_AUTO_ATTR_S), 64u) << "ISP_ANTI_FALSECOLOR_AUTO_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_DEMOSAIC_MANUAL_ATTR_S), 18u) << "ISP_DEMOSAIC_MANUAL_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_DEMOSAIC_AUTO_ATTR_S), 272u) << "ISP_DEMOSAIC_AUTO_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_DP_DYNAMIC_MANUAL_ATTR_S), 10u) << "ISP_DP_DYNAMIC_MANUAL_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_DP_DYNAMIC_AUTO_ATTR_S), 70u) << "ISP_DP_DYNAMIC_AUTO_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_SHARPEN_MANUAL_ATTR_S), 10u) << "ISP_SHARPEN_MANUAL_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_SHARPEN_AUTO_ATTR_S), 160u) << "ISP_SHARPEN_AUTO_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_DEFOG_MANUAL_ATTR_S), 1u) << "ISP_DEFOG_MANUAL_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_DEFOG_AUTO_ATTR_S), 1u) << "ISP_DEFOG_AUTO_ATTR_S";
+    EXPECT_EQ(sizeof(ISP_MI_ATTR_S), 8u) << "ISP_MI_ATTR_S";
+    EXPECT_EQ(sizeof(VI_CSC_MATRIX_S), 60u) << "VI_CSC_MATRIX_S";
+    EXPECT_EQ(sizeof(ISP_AE_ROUTE_NODE_S), 16u) << "ISP_AE_ROUTE_NODE_S";
+    EXPECT_EQ(sizeof(ISP_AE_ROUTE_EX_NODE_S), 24u) << "ISP_AE_ROUTE_EX_NODE_S";
+    EXPECT_EQ(sizeof(ISP_AWB_EXTRA_LIGHTSOURCE_INFO_S), 8u) << "ISP_AWB_EXTRA_LIGHTSOURCE_INFO_S";
+    EXPECT_RECORD(ISP_AE_ROUTE_NODE_S, 16, 4);
+    EXPECT_MEMBER(ISP_AE_ROUTE_NODE_S, u32IntTime, 0, 4);
+    EXPECT_MEMBER(ISP_AE_ROUTE_NODE_S, u32SysGain, 4, 4);
+    EXPECT_MEMBER(ISP_AE_ROUTE_NODE_S, enIrisFNO, 8, 4);
+    EXPECT_MEMBER(ISP_AE_ROUTE_NODE_S, u32IrisFNOLin, 12, 4);
+    EXPECT_RECORD(ISP_AE_ROUTE_EX_NODE_S, 24, 4);
+    EXPECT_MEMBER(ISP_AE_ROUTE_EX_NODE_S, u32IntTime, 0, 4);
+    EXPECT_MEMBER(ISP_AE_ROUTE_EX_NODE_S, u32Again, 4, 4);
+    EXPECT_MEMBER(ISP_AE_ROUTE_EX_NODE_S, u32Dgain, 8, 4);
+    EXPECT_MEMBER(ISP_AE_ROUTE_EX_NODE_S, u32IspDgain, 12, 4);
+    EXPECT_MEMBER(ISP_AE_ROUTE_EX_NODE_S, enIrisFNO, 16, 4);
+    EXPECT_MEMBER(ISP_AE_ROUTE_EX_NODE_S, u32IrisFNOLin, 20, 4);
+    EXPECT_RECORD(ISP_AWB_EXTRA_LIGHTSOURCE_INFO_S, 8, 2);
+    EXPECT_MEMBER(ISP_AWB_EXTRA_LIGHTSOURCE_INFO_S, u16WhiteRgain, 0, 2);
+    EXPECT_MEMBER(ISP_AWB_EXTRA_LIGHTSOURCE_INFO_S, u16WhiteBgain, 2, 2);
+    EXPECT_MEMBER(ISP_AWB_EXTRA_LIGHTSOURCE_INFO_S, u16ExpQuant, 4, 2);
+    EXPECT_MEMBER(ISP_AWB_EXTRA_LIGHTSOURCE_INFO_S, u8LightStatus, 6, 1);
+    EXPECT_MEMBER(ISP_AWB_EXTRA_LIGHTSOURCE_INFO_S, u8Radius, 7, 1);
+}
+
+// ---- (e) error codes ----
+
+TEST(PlatformErrorCodes, Common)
+{
+    EXPECT_EQ(HI_SUCCESS, 0);
+    EXPECT_EQ(HI_FAILURE, -1);
+    EXPECT_EQ(HI_NULL, 0);
+}
+
+TEST(PlatformErrorCodes, Isp)
+{
+    EXPECT_ERROR_CODE(HI_ERR_ISP_ILLEGAL_PARAM, 0xA01C8003u, -1608744957);
+    EXPECT_ERROR_CODE(HI_ERR_ISP_NULL_PTR, 0xA01C8006u, -1608744954);
+    EXPECT_ERROR_CODE(HI_ERR_ISP_NOT_SUPPORT, 0xA01C8008u, -1608744952);
+    EXPECT_ERROR_CODE(HI_ERR_ISP_NOT_INIT, 0xA01C8040u, -1608744896);
+    EXPECT_ERROR_CODE(HI_ERR_ISP_MEM_NOT_INIT, 0xA01C8041u, -1608744895);
+    EXPECT_ERROR_CODE(HI_ERR_ISP_ATTR_NOT_CFG, 0xA01C8042u, -1608744894);
+    EXPECT_ERROR_CODE(HI_ERR_ISP_SNS_UNREGISTER, 0xA01C8043u, -1608744893);
+    EXPECT_ERROR_CODE(HI_ERR_ISP_INVALID_ADDR, 0xA01C8044u, -1608744892);
+    EXPECT_ERROR_CODE(HI_ERR_ISP_NOMEM, 0xA01C8045u, -1608744891);
+    EXPECT_EQ(HI_ERR_ISP_NULL_PTR, vendor_error(kIdIsp, 6));
+    EXPECT_EQ(HI_ERR_ISP_ILLEGAL_PARAM, vendor_error(kIdIsp, 3));
+    EXPECT_EQ(HI_ERR_ISP_NOT_INIT, vendor_error(kIdIsp, 0x40));
+    EXPECT_EQ(HI_ERR_ISP_NOMEM, vendor_error(kIdIsp, 0x45));
+}
+
+TEST(PlatformErrorCodes, Vpss)
+{
+    EXPECT_ERROR_CODE(HI_ERR_VPSS_INVALID_DEVID, 0xA0078001u, -1610121215);
+    EXPECT_ERROR_CODE(HI_ERR_VPSS_INVALID_CHNID, 0xA0078002u, -1610121214);
+    EXPECT_ERROR_CODE(HI_ERR_VPSS_ILLEGAL_PARAM, 0xA0078003u, -1610121213);
+    EXPECT_ERROR_CODE(HI_ERR_VPSS_EXIST, 0xA0078004u, -1610121212);
+    EXPECT_ERROR_CODE(HI_ERR_VPSS_UNEXIST, 0xA0078005u, -1610121211);
+    EXPECT_ERROR_CODE(HI_ERR_VPSS_NULL_PTR, 0xA0078006u, -1610121210);
+    EXPECT_ERROR_CODE(HI_ERR_VPSS_NOT_SUPPORT, 0xA0078008u, -1610121208);
+    EXPECT_ERROR_CODE(HI_ERR_VPSS_NOT_PERM, 0xA0078009u, -1610121207);
+    EXPECT_ERROR_CODE(HI_ERR_VPSS_NOMEM, 0xA007800Cu, -1610121204);
+    EXPECT_ERROR_CODE(HI_ERR_VPSS_NOBUF, 0xA007800Du, -1610121203);
+    EXPECT_ERROR_CODE(HI_ERR_VPSS_BUF_EMPTY, 0xA007800Eu, -1610121202);
+    EXPECT_ERROR_CODE(HI_ERR_VPSS_NOTREADY, 0xA0078010u, -1610121200);
+    EXPECT_ERROR_CODE(HI_ERR_VPSS_BUSY, 0xA0078012u, -1610121198);
+    EXPECT_EQ(HI_ERR_VPSS_INVALID_DEVID, vendor_error(kIdVpss, 1));
+    EXPECT_EQ(HI_ERR_VPSS_NULL_PTR, vendor_error(kIdVpss, 6));
+    EXPECT_EQ(HI_ERR_VPSS_BUSY, vendor_error(kIdVpss, 18));
+}
+
+TEST(PlatformErrorCodes, Vi)
+{
+    EXPECT_ERROR_CODE(HI_ERR_VI_INVALID_DEVID, 0xA0108001u, -1609531391);
+    EXPECT_ERROR_CODE(HI_ERR_VI_INVALID_CHNID, 0xA0108002u, -1609531390);
+    EXPECT_ERROR_CODE(HI_ERR_VI_INVALID_PARA, 0xA0108003u, -1609531389);
+    EXPECT_ERROR_CODE(HI_ERR_VI_INVALID_NULL_PTR, 0xA0108006u, -1609531386);
+    EXPECT_ERROR_CODE(HI_ERR_VI_FAILED_NOTCONFIG, 0xA0108007u, -1609531385);
+    EXPECT_ERROR_CODE(HI_ERR_VI_NOT_SUPPORT, 0xA0108008u, -1609531384);
+    EXPECT_ERROR_CODE(HI_ERR_VI_NOT_PERM, 0xA0108009u, -1609531383);
+    EXPECT_ERROR_CODE(HI_ERR_VI_SYS_NOTREADY, 0xA0108010u, -1609531376);
+    EXPECT_ERROR_CODE(HI_ERR_VI_BUSY, 0xA0108012u, -1609531374);
+    EXPECT_ERROR_CODE(HI_ERR_VI_FAILED_NOTENABLE, 0xA0108040u, -1609531328);
+    EXPECT_EQ(HI_ERR_VI_INVALID_DEVID, vendor_error(kIdViu, 1));
+    EXPECT_EQ(HI_ERR_VI_INVALID_NULL_PTR, vendor_error(kIdViu, 6));
+    EXPECT_EQ(HI_ERR_VI_FAILED_NOTENABLE, vendor_error(kIdViu, 64));
+}
+
+// ---- (c) enumerations ----
+
+TEST(PlatformEnums, Values)
+{
+    EXPECT_EQ(sizeof(HI_BOOL), 4u);
+    EXPECT_EQ(HI_FALSE, 0);
+    EXPECT_EQ(HI_TRUE, 1);
+    EXPECT_EQ(OP_TYPE_AUTO, 0);
+    EXPECT_EQ(OP_TYPE_MANUAL, 1);
+    EXPECT_EQ(ISP_GAMMA_CURVE_DEFAULT, 0);
+    EXPECT_EQ(ISP_GAMMA_CURVE_SRGB, 1);
+    EXPECT_EQ(ISP_GAMMA_CURVE_USER_DEFINE, 2);
+    EXPECT_EQ(AE_MODE_SLOW_SHUTTER, 0);
+    EXPECT_EQ(AE_MODE_FIX_FRAME_RATE, 1);
+    EXPECT_EQ(ISP_ANTIFLICKER_NORMAL_MODE, 0);
+    EXPECT_EQ(ISP_ANTIFLICKER_AUTO_MODE, 1);
+    EXPECT_EQ(AE_EXP_HIGHLIGHT_PRIOR, 0);
+    EXPECT_EQ(AE_EXP_LOWLIGHT_PRIOR, 1);
+    EXPECT_EQ(ISP_IRIS_DC_TYPE, 0);
+    EXPECT_EQ(ISP_IRIS_P_TYPE, 1);
+    EXPECT_EQ(ISP_IRIS_KEEP, 0);
+    EXPECT_EQ(ISP_IRIS_OPEN, 1);
+    EXPECT_EQ(ISP_IRIS_CLOSE, 2);
+    EXPECT_EQ(ISP_IRIS_F_NO_32_0, 0);
+    EXPECT_EQ(ISP_IRIS_F_NO_22_0, 1);
+    EXPECT_EQ(ISP_IRIS_F_NO_16_0, 2);
+    EXPECT_EQ(ISP_IRIS_F_NO_11_0, 3);
+    EXPECT_EQ(ISP_IRIS_F_NO_8_0, 4);
+    EXPECT_EQ(ISP_IRIS_F_NO_5_6, 5);
+    EXPECT_EQ(ISP_IRIS_F_NO_4_0, 6);
+    EXPECT_EQ(ISP_IRIS_F_NO_2_8, 7);
+    EXPECT_EQ(ISP_IRIS_F_NO_2_0, 8);
+    EXPECT_EQ(ISP_IRIS_F_NO_1_4, 9);
+    EXPECT_EQ(ISP_IRIS_F_NO_1_0, 10);
+    EXPECT_EQ(VPSS_NR_V1, 1);
+    EXPECT_EQ(VPSS_NR_V2, 2);
+    EXPECT_EQ(VPSS_NR_V3, 3);
+    EXPECT_EQ(VPSS_NR_V4, 4);
+    EXPECT_EQ(VPSS_NR_INTF_S, 0);
+    EXPECT_EQ(VPSS_NR_INTF_X, 1);
+    EXPECT_EQ(VPSS_NR_INTF_B, 2);
+    EXPECT_EQ(ISP_FSWDR_NORMAL_MODE, 0);
+    EXPECT_EQ(ISP_FSWDR_LONG_FRAME_MODE, 1);
+    EXPECT_EQ(ISP_FSWDR_AUTO_LONG_FRAME_MODE, 2);
+    EXPECT_EQ(AWB_ALG_LOWCOST, 0);
+    EXPECT_EQ(AWB_ALG_ADVANCE, 1);
+    EXPECT_EQ(AWB_MULTI_LS_SAT, 0);
+    EXPECT_EQ(AWB_MULTI_LS_CCM, 1);
+    EXPECT_EQ(AWB_INDOOR_MODE, 0);
+    EXPECT_EQ(AWB_OUTDOOR_MODE, 1);
+    EXPECT_EQ(BAYER_RGGB, 0);
+    EXPECT_EQ(BAYER_GRBG, 1);
+    EXPECT_EQ(BAYER_GBRG, 2);
+    EXPECT_EQ(BAYER_BGGR, 3);
+    EXPECT_EQ(VPSS_DIE_MODE_AUTO, 0);
+    EXPECT_EQ(VPSS_DIE_MODE_NODIE, 1);
+    EXPECT_EQ(VPSS_DIE_MODE_DIE, 2);
+    EXPECT_EQ(VI_CSC_TYPE_601, 0);
+    EXPECT_EQ(VI_CSC_TYPE_709, 1);
+    EXPECT_EQ(VI_CSC_TYPE_USER, 2);
+    EXPECT_EQ(PIXEL_FORMAT_YUV_SEMIPLANAR_422, 22);
+    EXPECT_EQ(PIXEL_FORMAT_YUV_SEMIPLANAR_420, 23);
+    EXPECT_EQ(PIXEL_FORMAT_YUV_400, 29);
+}
+
+// The NRS union: the V1 and V2 blocks overlay each other right after the version word.
+TEST(PlatformEnums, NrsUnionSelector)
+{
+    VPSS_GRP_NRS_PARAM_S nrs{};
+    nrs.enNRVer = VPSS_NR_V2;
+    nrs.stNRSParam_V2.IES0 = 0x5A;
+    nrs.stNRSParam_V2.TRC = 0xA5;
+    const auto *bytes = reinterpret_cast<const unsigned char *>(&nrs);
+    EXPECT_EQ(bytes[4], 0x5A);
+    EXPECT_EQ(bytes[31], 0xA5);
+    EXPECT_EQ(static_cast<const void *>(&nrs.stNRSParam_V1), static_cast<const void *>(&nrs.stNRSParam_V2));
+}
+
+// ---- (d) prototypes: checked at compile time; the test exists so the check shows in the test list ----
+
+TEST(PlatformPrototypes, AllFortyTwo)
+{
+    EXPECT_PROTOTYPE(HI_MPI_ISP_SetExposureAttr, ISP_DEV, const ISP_EXPOSURE_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_GetExposureAttr, ISP_DEV, ISP_EXPOSURE_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_QueryExposureInfo, ISP_DEV, ISP_EXP_INFO_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_SetIrisAttr, ISP_DEV, const ISP_IRIS_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_GetIrisAttr, ISP_DEV, ISP_IRIS_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_SetDcirisAttr, ISP_DEV, const ISP_DCIRIS_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_GetDcirisAttr, ISP_DEV, ISP_DCIRIS_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_SetWBAttr, ISP_DEV, const ISP_WB_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_GetWBAttr, ISP_DEV, ISP_WB_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_SetAWBAttrEx, ISP_DEV, ISP_AWB_ATTR_EX_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_GetAWBAttrEx, ISP_DEV, ISP_AWB_ATTR_EX_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_QueryWBInfo, ISP_DEV, ISP_WB_INFO_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_SetCCMAttr, ISP_DEV, const ISP_COLORMATRIX_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_GetCCMAttr, ISP_DEV, ISP_COLORMATRIX_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_SetSaturationAttr, ISP_DEV, const ISP_SATURATION_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_GetSaturationAttr, ISP_DEV, ISP_SATURATION_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_SetPubAttr, ISP_DEV, const ISP_PUB_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_GetPubAttr, ISP_DEV, ISP_PUB_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_SetDRCAttr, ISP_DEV, const ISP_DRC_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_GetDRCAttr, ISP_DEV, ISP_DRC_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_SetDPDynamicAttr, ISP_DEV, const ISP_DP_DYNAMIC_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_GetDPDynamicAttr, ISP_DEV, ISP_DP_DYNAMIC_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_SetGammaAttr, ISP_DEV, const ISP_GAMMA_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_GetGammaAttr, ISP_DEV, ISP_GAMMA_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_SetSharpenAttr, ISP_DEV, const ISP_SHARPEN_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_GetSharpenAttr, ISP_DEV, ISP_SHARPEN_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_SetAntiFalseColorAttr, ISP_DEV, const ISP_ANTI_FALSECOLOR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_GetAntiFalseColorAttr, ISP_DEV, ISP_ANTI_FALSECOLOR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_SetDemosaicAttr, ISP_DEV, const ISP_DEMOSAIC_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_GetDemosaicAttr, ISP_DEV, ISP_DEMOSAIC_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_SetBlackLevelAttr, ISP_DEV, const ISP_BLACK_LEVEL_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_GetBlackLevelAttr, ISP_DEV, ISP_BLACK_LEVEL_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_SetDeFogAttr, ISP_DEV, const ISP_DEFOG_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_ISP_GetDeFogAttr, ISP_DEV, ISP_DEFOG_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_VI_SetCSCAttr, VI_DEV, const VI_CSC_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_VI_GetCSCAttr, VI_DEV, VI_CSC_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_VI_SetDCIParam, VI_DEV, const VI_DCI_PARAM_S *);
+    EXPECT_PROTOTYPE(HI_MPI_VI_GetDCIParam, VI_DEV, VI_DCI_PARAM_S *);
+    EXPECT_PROTOTYPE(HI_MPI_VPSS_SetGrpAttr, VPSS_GRP, VPSS_GRP_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_VPSS_GetGrpAttr, VPSS_GRP, VPSS_GRP_ATTR_S *);
+    EXPECT_PROTOTYPE(HI_MPI_VPSS_SetGrpNRSParam, VPSS_GRP, VPSS_GRP_NRS_PARAM_S *);
+    EXPECT_PROTOTYPE(HI_MPI_VPSS_GetGrpNRSParam, VPSS_GRP, VPSS_GRP_NRS_PARAM_S *);
+    SUCCEED();
+}

@@ -1,0 +1,36 @@
+// Shared helpers for the library's tests (see isptune_test.h).
+#include "isptune_test.h"
+
+std::vector<std::string> platform_calls(size_t first)
+{
+    std::vector<std::string> names;
+    for (size_t i = first; i < sim_mpp_log_count(); ++i)
+        names.emplace_back(sim_mpp_log_at(i)->function);
+    return names;
+}
+
+long last_call_of(const char *function)
+{
+    for (size_t i = sim_mpp_log_count(); i-- > 0;)
+        if (std::strcmp(sim_mpp_log_at(i)->function, function) == 0)
+            return long(i);
+    return -1;
+}
+
+std::vector<std::string> host_log_texts()
+{
+    std::vector<std::string> texts;
+    for (size_t i = 0; i < sim_host_log_count(); ++i)
+        texts.emplace_back(sim_host_log_at(i).text);
+    return texts;
+}
+
+testing::AssertionResult same_bytes(const void *a, const void *b, size_t size)
+{
+    const unsigned char *x = static_cast<const unsigned char *>(a), *y = static_cast<const unsigned char *>(b);
+    for (size_t i = 0; i < size; ++i)
+        if (x[i] != y[i])
+            return testing::AssertionFailure() << "first difference at byte " << i << ": " << int(x[i])
+                                               << " != " << int(y[i]);
+    return testing::AssertionSuccess();
+}
