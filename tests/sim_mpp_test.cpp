@@ -372,6 +372,7 @@ TEST_F(SimMpp, WrongDeviceAndNullPointerGetTheUnitsCodes)
     EXPECT_EQ(HI_MPI_VPSS_GetGrpAttr(0, nullptr), static_cast<HI_S32>(0xA0078006u));
 
     // And every call: device checked before the pointer; neither the state nor the record is touched.
+    sim_mpp_reset();
     for (const MppCall &c : all_calls()) {
         UnitCodes codes = codes_for(c.rec);
         Bytes record = c.is_set ? pattern(c.rec, 3) : get_buffer(c.rec, 0xA5);
