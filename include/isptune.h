@@ -44,6 +44,129 @@ ISPTUNE_API int32_t ISP_SetParamDayRefresh(int32_t G, int32_t L);
 /* Part 3.3: re-apply the night profile's gain-dependent settings at system gain G, level L; 0 or -1. */
 ISPTUNE_API int32_t ISP_SetParamNightRefresh(int32_t G, int32_t L);
 
+/* ---- Part 1.1: the operation table ---------------------------------------------------------------- */
+
+/* One operation: no arguments, a signed 32-bit result. */
+typedef int32_t (*IspOperation)(void);
+/* The host's sixteen-entry table, filled by CreateIspDev in the fixed slot order of Part 1.1. */
+enum { ISP_OPERATION_COUNT = 16 };
+typedef IspOperation IspDev[ISP_OPERATION_COUNT];
+
+/* Part 1.1: store the sixteen operations into the host's table (slot order: QV_ISP_Start, QV_ISP_Stop,
+ * set_exposure, set_awb, set_wdr, set_blc, set_flcker, set_dnr, set_iris, set_defog, set_sharpness,
+ * set_brightness, set_Contrast, set_Saturation, set_SLInhibition, get_config). */
+ISPTUNE_API void CreateIspDev(IspOperation *table);
+/* Part 1.1: the operations; each returns 0 whatever its setter returned (QV_ISP_Start apart). */
+ISPTUNE_API int32_t set_exposure(void);
+ISPTUNE_API int32_t set_awb(void);
+ISPTUNE_API int32_t set_wdr(void);
+ISPTUNE_API int32_t set_blc(void);
+ISPTUNE_API int32_t set_flcker(void);
+ISPTUNE_API int32_t set_dnr(void);
+ISPTUNE_API int32_t set_iris(void);
+ISPTUNE_API int32_t set_defog(void);
+ISPTUNE_API int32_t set_sharpness(void);
+ISPTUNE_API int32_t set_brightness(void);
+ISPTUNE_API int32_t set_Contrast(void);
+ISPTUNE_API int32_t set_Saturation(void);
+ISPTUNE_API int32_t set_SLInhibition(void);
+ISPTUNE_API int32_t get_config(void);
+
+/* ---- Parts 2.3, 2.4: scene profiles --------------------------------------------------------------- */
+
+/* Part 2.3: apply the colour (day) profile; 0, or -1 at the first failure. */
+ISPTUNE_API int32_t ISP_SetParamDay(void);
+/* Part 2.4: apply the black-and-white night profile; 0, or -1 at the first failure. */
+ISPTUNE_API int32_t ISP_SetParamNight(void);
+
+/* ---- Part 4.1: the configuration record (100 bytes, layout fixed to the byte) ---------------------- */
+
+typedef struct IspExposureCfg { /* 12 bytes */
+    uint32_t u32Mode;       /* 0 automatic, 1 manual */
+    uint32_t u32ManualGain; /* manual gain step */
+    uint32_t u32Shutter;    /* key into gShutterTimeTable (Part 4.2) */
+} IspExposureCfg;
+
+typedef struct IspWbCfg { /* 8 bytes */
+    uint32_t u32Mode; /* 0 automatic, 1 manual */
+    uint8_t u8Red, u8Green, u8Blue;
+    uint8_t u8Reserved;
+} IspWbCfg;
+
+typedef struct IspBlcCfg { uint8_t u8Enable, u8Level; } IspBlcCfg;             /* 2 bytes */
+typedef struct IspWdrCfg { uint8_t u8Mode, u8Level; } IspWdrCfg;               /* 2 bytes */
+typedef struct IspFlickerCfg { uint8_t u8Mode; } IspFlickerCfg;                /* 1 byte */
+typedef struct IspIrisCfg { uint8_t u8Mode, u8Reserved; } IspIrisCfg;          /* 2 bytes */
+typedef struct IspDefogCfg { uint8_t u8Mode, u8Reserved, u8Strength; } IspDefogCfg;          /* 3 bytes */
+typedef struct IspDnrCfg { uint8_t u8Mode, u8Strength2d, u8Strength3d; } IspDnrCfg;          /* 3 bytes */
+typedef struct IspSlInhibitionCfg { uint8_t u8Enable, u8Level, u8DrcStrength; } IspSlInhibitionCfg; /* 3 */
+
+typedef struct IspConfig {
+    uint8_t au8Reserved0[8];           /*  0 */
+    IspExposureCfg stExposure;         /*  8 */
+    IspWbCfg stWb;                     /* 20 */
+    uint8_t au8Reserved1[36];          /* 28 */
+    IspBlcCfg stBlc;                   /* 64 */
+    IspWdrCfg stWdr;                   /* 66 */
+    IspFlickerCfg stFlicker;           /* 68 */
+    IspIrisCfg stIris;                 /* 69 */
+    IspDefogCfg stDefog;               /* 71 */
+    IspDnrCfg stDnr;                   /* 74 */
+    uint8_t au8Reserved2[3];           /* 77 */
+    float f32Sharpness;                /* 80 */
+    uint32_t u32Brightness;            /* 84 */
+    uint32_t u32Contrast;              /* 88 */
+    uint32_t u32Saturation;            /* 92 */
+    IspSlInhibitionCfg stSlInhibition; /* 96 */
+    uint8_t u8Reserved3;               /* 99 */
+} IspConfig;
+
+#ifndef __cplusplus
+_Static_assert(sizeof(IspConfig) == 100, "IspConfig is 100 bytes (Part 4.1)");
+#else
+static_assert(sizeof(IspConfig) == 100, "IspConfig is 100 bytes (Part 4.1)");
+#endif
+
+/* Part 4.1: clear *config and fill it from the host's SysInfo record; returns config. */
+ISPTUNE_API IspConfig *QV_ISP_GetConfig(IspConfig *config);
+
+/* ---- Parts 4.2 to 4.10: the attribute setters and queries ----------------------------------------- */
+
+/* Part 4.2: the exposure figures for the host (36 bytes; bytes 25 to 31 are not written). */
+typedef struct IspExposureInfo {
+    uint32_t u32ExpTime;       /*  0: microseconds */
+    uint32_t u32AGain;         /*  4: 1024 = 1.0 */
+    uint32_t u32DGain;         /*  8 */
+    uint32_t u32ISPDGain;      /* 12 */
+    uint32_t u32Exposure;      /* 16 */
+    uint32_t u32ExposureIsMax; /* 20: 0 or 1 */
+    uint8_t u8AveLum;          /* 24 */
+    uint8_t au8NotWritten[7];  /* 25 */
+    int16_t s16HistError;      /* 32 */
+} IspExposureInfo;
+
+ISPTUNE_API int32_t QV_ISP_SetExposureAttr(const IspExposureCfg *cfg); /* Part 4.2 */
+ISPTUNE_API int32_t QV_ISP_SetFlickerAttr(const IspFlickerCfg *cfg);   /* Part 4.2 */
+ISPTUNE_API int32_t QV_ISP_SetBLCAttr(const IspBlcCfg *cfg);           /* Part 4.2 */
+ISPTUNE_API int32_t QV_ISP_GetExposureInfo(IspExposureInfo *info);     /* Part 4.2 */
+ISPTUNE_API int32_t QV_ISP_SetWBAttr(const IspWbCfg *cfg);             /* Part 4.3 */
+ISPTUNE_API int32_t QV_ISP_SetWDRAttr(const IspWdrCfg *cfg);           /* Part 4.4 */
+ISPTUNE_API int32_t QV_ISP_SetSLInhibitionAttr(const IspSlInhibitionCfg *cfg); /* Part 4.4 */
+ISPTUNE_API int32_t QV_ISP_SetDNRAttr(const IspDnrCfg *cfg);           /* Part 4.5 */
+ISPTUNE_API int32_t QV_ISP_SetIRAttr(const IspIrisCfg *cfg);           /* Part 4.6 */
+ISPTUNE_API int32_t QV_ISP_SetDefogAttr(const IspDefogCfg *cfg);       /* Part 4.7 */
+ISPTUNE_API int32_t QV_ISP_SetSharpnessAttr(float value);              /* Part 4.8 */
+ISPTUNE_API int32_t QV_ISP_SetBrightAttr(uint32_t value);              /* Part 4.9 */
+ISPTUNE_API int32_t QV_ISP_SetContrastAttr(uint32_t value);            /* Part 4.9 */
+ISPTUNE_API int32_t QV_ISP_SetSaturationAttr(uint32_t value);          /* Part 4.9 */
+/* Part 4.10: the overlay line into lines + 1024 * index; 0, -1, or the platform's code. */
+ISPTUNE_API int32_t QV_ISP_GetDebugInfo(char *lines, int32_t index);
+
+/* Part 4.4: exported data objects. s32WdrParamMark is a plain word; stSLDRCAttr (an ISP_DRC_ATTR_S, 496
+ * bytes) and stSLExposureAttr (an ISP_EXPOSURE_ATTR_S, 412 bytes) are declared with their platform types
+ * in include/isptune_mpp.h, for hosts that include the MPP headers. */
+extern ISPTUNE_API int32_t s32WdrParamMark;
+
 /* ---- Part 2.1: colour profile tables (read-only, exported) ---------------------------------------- */
 /* Per-level tables: entry i is the setting at system gain 2^i (L0 ... L11), feeding entries 0 to 11 of
  * the platform's 16-entry automatic arrays (member fed in the comment). */
