@@ -36,7 +36,7 @@ bool isp_supervision_pass(const SysInfo *info, ISP_EXP_INFO_S *exp)
     const int32_t scaled = scaled_gain(gain);       /* step 3 */
     const int32_t ircut = QV_GET_IRCUT_VALUE(scaled); /* step 4 */
 
-    /* Step 5. Without a record (docs/decisions.md) the watched mode counts as unchanged. */
+    /* Step 5. Without a record (a caller other than QV_ISP_Proc) the watched mode counts as unchanged. */
     const uint8_t watched = info != NULL ? sysinfo_get(info, SYSINFO_u8WatchedMode) : u8LastWatchedMode;
     const bool due = scaled != s32LastScaledGain || ircut != s32LastIrCut || watched != u8LastWatchedMode ||
                      isp_flag_load(&ispParamReflashMark) == 1;
@@ -76,6 +76,13 @@ void *QV_ISP_Proc(void *arg)
     if (access(ISP_FRAMERATE_MARKER, F_OK) == 0) { /* step 5 */
         LogTrace("%s %d FramerateAdjust is exist! \n", "QV_ISP_Proc", 200);
         remove(ISP_FRAMERATE_MARKER);
+    }
+
+    /* Without a settings record no refresh can succeed (Part 1.3 refuses), and the loop's
+     * retry-without-pause rule would spin the CPU: the thread ends here (docs/decisions.md). */
+    if (info == NULL) {
+        QV_SYSERROR(ISP_MODULE_CODE, "QV_ISP_Proc: no SysInfo record, the supervision loop does not run\n");
+        return NULL;
     }
 
     /* One exposure record for the thread's life, on its stack; zeroed in case the very first query
