@@ -58,11 +58,6 @@ float rate_now()
     return platform_record<ISP_PUB_ATTR_S>(SIM_REC_PUB_ATTR).f32FrameRate;
 }
 
-unsigned calls_of(const char *function)
-{
-    return sim_mpp_call_count(function);
-}
-
 // One row of the decision table, with concrete values.
 struct Row {
     const char *name;
@@ -75,7 +70,7 @@ struct Row {
     bool marker;       // the marker exists afterwards
 };
 
-class FramerateAdjust : public ::testing::Test {
+class Part_1_5_Framerate : public ::testing::Test {
 protected:
     void SetUp() override
     {
@@ -196,64 +191,65 @@ const Row kRows[] = {
     {"R12_Night_GainMinus40_Rate10", 1, -40.0f, 10.0f, 1, false, 10.0f, false},
 };
 
-class DecisionTable : public FramerateAdjust,
+class Part_1_5_DecisionTable : public Part_1_5_Framerate,
                       public ::testing::WithParamInterface<std::tuple<Row, bool>> {
 };
 
-TEST_P(DecisionTable, RateActionAndMarker)
+TEST_P(Part_1_5_DecisionTable, RateActionAndMarker)
 {
     check_row(std::get<0>(GetParam()), std::get<1>(GetParam()));
 }
 
-INSTANTIATE_TEST_SUITE_P(Part_1_5, DecisionTable, ::testing::Combine(::testing::ValuesIn(kRows), ::testing::Bool()),
-                         [](const ::testing::TestParamInfo<DecisionTable::ParamType> &info) {
-                             return std::string(std::get<0>(info.param).name) +
-                                    (std::get<1>(info.param) ? "_MarkerBefore" : "_NoMarkerBefore");
+INSTANTIATE_TEST_SUITE_P(Rows, Part_1_5_DecisionTable,
+                         ::testing::Combine(::testing::ValuesIn(kRows), ::testing::Bool()),
+                         [](const ::testing::TestParamInfo<Part_1_5_DecisionTable::ParamType> &param) {
+                             return std::string(std::get<0>(param.param).name) +
+                                    (std::get<1>(param.param) ? "_MarkerBefore" : "_NoMarkerBefore");
                          });
 
 // ---- the Part's "Edge cases worth testing", one named test each ----------------------------------------
 
-TEST_F(FramerateAdjust, ColourProfileGain100Rate15SetsNormalRateAndDeletesMarker)
+TEST_F(Part_1_5_Framerate, ColourProfileGain100Rate15SetsNormalRateAndDeletesMarker)
 {
     check_row({"", 0, 100.0f, 15.0f, 1, true, 25.0f, false}, true);
 }
 
-TEST_F(FramerateAdjust, NightFlicker1Gain40Rate25Becomes15AndMarkerExists)
+TEST_F(Part_1_5_Framerate, NightFlicker1Gain40Rate25Becomes15AndMarkerExists)
 {
     check_row({"", 1, 40.0f, 25.0f, 1, true, 15.0f, true}, false);
 }
 
-TEST_F(FramerateAdjust, NightGain20Rate15WritesNothingAndMarkerExists)
+TEST_F(Part_1_5_Framerate, NightGain20Rate15WritesNothingAndMarkerExists)
 {
     check_row({"", 1, 20.0f, 15.0f, 1, false, 15.0f, true}, false);
 }
 
-TEST_F(FramerateAdjust, NightGain20Rate30WritesThirtyAndDeletesMarker)
+TEST_F(Part_1_5_Framerate, NightGain20Rate30WritesThirtyAndDeletesMarker)
 {
     check_row({"", 1, 20.0f, 30.0f, 0, true, 30.0f, false}, true);
 }
 
-TEST_F(FramerateAdjust, NightGain20Rate30WithFlicker1WritesTwentyFiveAndDeletesMarker)
+TEST_F(Part_1_5_Framerate, NightGain20Rate30WithFlicker1WritesTwentyFiveAndDeletesMarker)
 {
     check_row({"", 1, 20.0f, 30.0f, 1, true, 25.0f, false}, true);
 }
 
-TEST_F(FramerateAdjust, NightGain15_9Rate15BecomesNormalRate)
+TEST_F(Part_1_5_Framerate, NightGain15_9Rate15BecomesNormalRate)
 {
     check_row({"", 1, 15.9f, 15.0f, 1, true, 25.0f, false}, true);
 }
 
-TEST_F(FramerateAdjust, NightGainExactly16Rate15Stays15)
+TEST_F(Part_1_5_Framerate, NightGainExactly16Rate15Stays15)
 {
     check_row({"", 1, 16.0f, 15.0f, 0, false, 15.0f, true}, true);
 }
 
-TEST_F(FramerateAdjust, NightGainExactly32Rate30Becomes15)
+TEST_F(Part_1_5_Framerate, NightGainExactly32Rate30Becomes15)
 {
     check_row({"", 1, 32.0f, 30.0f, 0, true, 15.0f, true}, false);
 }
 
-TEST_F(FramerateAdjust, FailedWriteLeavesExistingMarkerAndReturnsPlatformCode)
+TEST_F(Part_1_5_Framerate, FailedWriteLeavesExistingMarkerAndReturnsPlatformCode)
 {
     set_rate(15.0f); // colour profile: the normal rate would be set and the marker deleted
     set_marker(true);
@@ -267,7 +263,7 @@ TEST_F(FramerateAdjust, FailedWriteLeavesExistingMarkerAndReturnsPlatformCode)
 
 // ---- the rate and the attribute -----------------------------------------------------------------------
 
-TEST_F(FramerateAdjust, OnlyTheFrameRateOfThePublicAttributeChanges)
+TEST_F(Part_1_5_Framerate, OnlyTheFrameRateOfThePublicAttributeChanges)
 {
     ISP_PUB_ATTR_S pub = platform_record<ISP_PUB_ATTR_S>(SIM_REC_PUB_ATTR);
     pub.stWndRect.s32X = 8;
@@ -295,11 +291,12 @@ TEST_F(FramerateAdjust, OnlyTheFrameRateOfThePublicAttributeChanges)
         std::vector<unsigned char> power_on(now.size());
         sim_mpp_read(sim_mpp_record_id(i), now.data());
         sim_mpp_power_on_record(sim_mpp_record_id(i), power_on.data());
-        EXPECT_TRUE(same_bytes(now.data(), power_on.data(), now.size())) << sim_mpp_record_name(sim_mpp_record_id(i));
+        EXPECT_TRUE(same_bytes(now.data(), power_on.data(), now.size()))
+            << sim_mpp_record_name(sim_mpp_record_id(i));
     }
 }
 
-TEST_F(FramerateAdjust, LoweringAndRestoringFollowTheHysteresisBand)
+TEST_F(Part_1_5_Framerate, LoweringAndRestoringFollowTheHysteresisBand)
 {
     set_profile(1);
     set_rate(30.0f);
@@ -319,7 +316,7 @@ TEST_F(FramerateAdjust, LoweringAndRestoringFollowTheHysteresisBand)
     }
 }
 
-TEST_F(FramerateAdjust, ReadsTheFlickerModeAndProfileAtEachCall)
+TEST_F(Part_1_5_Framerate, ReadsTheFlickerModeAndProfileAtEachCall)
 {
     set_profile(0);
     ASSERT_EQ(sim_host_set_field(SYSINFO_u8FlickerMode, 0), 0);
@@ -336,7 +333,7 @@ TEST_F(FramerateAdjust, ReadsTheFlickerModeAndProfileAtEachCall)
     EXPECT_EQ(rate_now(), 15.0f);
 }
 
-TEST_F(FramerateAdjust, MissingMarkerIsNoErrorWhenDeleting)
+TEST_F(Part_1_5_Framerate, MissingMarkerIsNoErrorWhenDeleting)
 {
     ASSERT_FALSE(marker_exists());
     EXPECT_EQ(QV_ISP_FramerateAdjust(1.0f), 0);
@@ -346,10 +343,10 @@ TEST_F(FramerateAdjust, MissingMarkerIsNoErrorWhenDeleting)
 
 // ---- the failure table ----------------------------------------------------------------------------------
 
-class FramerateFailure : public FramerateAdjust, public ::testing::WithParamInterface<bool> {
+class Part_1_5_Failure : public Part_1_5_Framerate, public ::testing::WithParamInterface<bool> {
 };
 
-TEST_P(FramerateFailure, NoRecordLogsSyslogReturnsMinusOneAndLeavesMarker)
+TEST_P(Part_1_5_Failure, NoRecordLogsSyslogReturnsMinusOneAndLeavesMarker)
 {
     set_profile(1);
     set_rate(30.0f);
@@ -364,7 +361,7 @@ TEST_P(FramerateFailure, NoRecordLogsSyslogReturnsMinusOneAndLeavesMarker)
     EXPECT_EQ(marker_exists(), GetParam());
 }
 
-TEST_P(FramerateFailure, ReadFailureLogsSyserrorReturnsPlatformCodeAndLeavesMarker)
+TEST_P(Part_1_5_Failure, ReadFailureLogsSyserrorReturnsPlatformCodeAndLeavesMarker)
 {
     set_profile(1);
     set_rate(15.0f); // a keep at 15 would touch the marker, a set would delete it: neither may happen
@@ -379,7 +376,7 @@ TEST_P(FramerateFailure, ReadFailureLogsSyserrorReturnsPlatformCodeAndLeavesMark
     EXPECT_EQ(marker_exists(), GetParam());
 }
 
-TEST_P(FramerateFailure, WriteFailureLogsSyserrorReturnsPlatformCodeAndLeavesMarker)
+TEST_P(Part_1_5_Failure, WriteFailureLogsSyserrorReturnsPlatformCodeAndLeavesMarker)
 {
     // Marker present: a set to the normal rate would delete it; absent: a set to 15 would create it.
     set_profile(1);
@@ -396,9 +393,9 @@ TEST_P(FramerateFailure, WriteFailureLogsSyserrorReturnsPlatformCodeAndLeavesMar
     EXPECT_EQ(marker_exists(), GetParam());
 }
 
-INSTANTIATE_TEST_SUITE_P(Part_1_5, FramerateFailure, ::testing::Bool(),
-                         [](const ::testing::TestParamInfo<bool> &info) {
-                             return std::string(info.param ? "MarkerBefore" : "NoMarkerBefore");
+INSTANTIATE_TEST_SUITE_P(Marker, Part_1_5_Failure, ::testing::Bool(),
+                         [](const ::testing::TestParamInfo<bool> &param) {
+                             return std::string(param.param ? "MarkerBefore" : "NoMarkerBefore");
                          });
 
 } // namespace

@@ -1,4 +1,5 @@
 /* Part 3.2: day refresh: the colour profile's gain-dependent settings at system gain G, level L. */
+#include <stdatomic.h>
 #include <stdio.h>
 
 #include "isptune.h"
@@ -6,10 +7,10 @@
 #include "refresh/refresh.h"
 #include "refresh/refresh_steps.h"
 
-/* Which day curve the refresh last loaded: -1 none yet, 0 g_gamma_table_day, 1 the high-gain curve. */
-static int32_t s32DayGammaMark = -1;
-/* The host's u8DnrMode as this refresh last read it (step 2). */
-static int32_t s32DayDnrMode;
+/* Which day curve the refresh last loaded: -1 none yet, 0 g_gamma_table_day, 1 the high-gain curve.
+ * Atomic: the supervision thread refreshes, and so does a host thread that calls the
+ * exported QV_ISP_SetVarParam (Part 1.3). */
+static _Atomic int32_t s32DayGammaMark = -1;
 
 static const RefreshCaller kDay = {
     .func = "ISP_SetParamDayRefresh",
@@ -52,13 +53,14 @@ int32_t ISP_SetParamDayRefresh(int32_t G, int32_t L)
         puts("GetSysInfo failed is NULL");
         return -1;
     }
-    s32DayDnrMode = sysinfo_get(info, SYSINFO_u8DnrMode); /* step 2 */
+    /* Step 2: the spec's s32DayDnrMode, a copy nothing else reads, so a local. */
+    const int32_t dnr_mode = sysinfo_get(info, SYSINFO_u8DnrMode);
 
     const IspNrCaller nr_caller = {kDay.func, kDay.nrs_get_line, kDay.nrs_set_line};
     const int32_t wanted_curve = G >= 55 ? 1 : 0;
     static const uint32_t *const kCurves[2] = {g_gamma_table_day, g_gamma_table_day_highgain};
 
-    if (ISP_UpdateNrRecord(&g_3dnr_tables_day, s32DayDnrMode, G, L, &nr_caller) != 0 ||  /* step 3 */
+    if (ISP_UpdateNrRecord(&g_3dnr_tables_day, dnr_mode, G, L, &nr_caller) != 0 ||  /* step 3 */
         refresh_drc(info, gColorDRCStrength, G, L) != 0 ||                              /* step 4 */
         refresh_defog(info, gColorDefog, G, L) != 0 ||                                  /* step 5 */
         refresh_black_level(&kDay, g_black_level_table_day, G) != 0 ||                  /* step 6 */

@@ -1,14 +1,14 @@
 /* Part 3.3: night refresh: the night profile's gain-dependent settings at system gain G, level L. */
+#include <stdatomic.h>
 #include <stdio.h>
 
 #include "isptune.h"
 #include "refresh/refresh.h"
 #include "refresh/refresh_steps.h"
 
-/* Which night curve the refresh last loaded: -1 none yet, 0 g_gamma_table_night, 1 the high-gain one. */
-static int32_t s32NightGammaMark = -1;
-/* The host's u8DnrMode as this refresh last read it (step 2). */
-static int32_t s32NightDnrMode;
+/* Which night curve the refresh last loaded: -1 none yet, 0 g_gamma_table_night, 1 the high-gain one.
+ * Atomic: the refresh may also run on a host thread that calls QV_ISP_SetVarParam (Part 1.3). */
+static _Atomic int32_t s32NightGammaMark = -1;
 
 static const RefreshCaller kNight = {
     .func = "ISP_SetParamNightRefresh",
@@ -37,10 +37,11 @@ int32_t ISP_SetParamNightRefresh(int32_t G, int32_t L)
         puts("GetSysInfo failed is NULL");
         return -1;
     }
-    s32NightDnrMode = sysinfo_get(info, SYSINFO_u8DnrMode); /* step 2 */
+    /* Step 2: the spec's s32NightDnrMode, a copy nothing else reads, so a local. */
+    const int32_t dnr_mode = sysinfo_get(info, SYSINFO_u8DnrMode);
 
     const IspNrCaller nr_caller = {kNight.func, kNight.nrs_get_line, kNight.nrs_set_line};
-    if (ISP_UpdateNrRecord(&g_3dnr_tables_night, s32NightDnrMode, G, L, &nr_caller) != 0 || /* step 3 */
+    if (ISP_UpdateNrRecord(&g_3dnr_tables_night, dnr_mode, G, L, &nr_caller) != 0 || /* step 3 */
         refresh_drc(info, gNightDRCStrength, G, L) != 0 ||                                 /* step 4 */
         refresh_night_gamma(G) != 0 ||                                                     /* step 5 */
         refresh_defog(info, gNightDefog, G, L) != 0 ||                                     /* step 6 */

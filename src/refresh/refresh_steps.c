@@ -77,9 +77,9 @@ int refresh_black_level(const RefreshCaller *caller, const uint16_t low_table[4]
     return 0;
 }
 
-int refresh_gamma(int32_t *mark, int32_t wanted, const uint32_t curve[257])
+int refresh_gamma(_Atomic int32_t *mark, int32_t wanted, const uint32_t curve[257])
 {
-    if (*mark == wanted)
+    if (atomic_load_explicit(mark, memory_order_relaxed) == wanted)
         return 0;
     ISP_GAMMA_ATTR_S gamma;
     if (HI_MPI_ISP_GetGammaAttr(0, &gamma) != HI_SUCCESS) {
@@ -90,7 +90,7 @@ int refresh_gamma(int32_t *mark, int32_t wanted, const uint32_t curve[257])
     gamma.enCurveType = ISP_GAMMA_CURVE_USER_DEFINE;
     for (int i = 0; i < 257; ++i)
         gamma.u16Table[i] = (HI_U16)curve[i];
-    *mark = wanted;
+    atomic_store_explicit(mark, wanted, memory_order_relaxed);
     if (HI_MPI_ISP_SetGammaAttr(0, &gamma) != HI_SUCCESS) {
         QV_SYSERROR(ISP_MODULE_CODE, "HI_MPI_ISP_SetGammaAttr failed!!!\n");
         return -1;

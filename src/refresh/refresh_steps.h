@@ -2,6 +2,7 @@
 #ifndef ISPTUNE_REFRESH_STEPS_H
 #define ISPTUNE_REFRESH_STEPS_H
 
+#include <stdatomic.h>
 #include <stdint.h>
 
 #include "platform/host.h"
@@ -27,7 +28,7 @@ int refresh_black_level(const RefreshCaller *caller, const uint16_t low_table[4]
 
 /* Loads `curve` as the user-defined gamma curve unless *mark already equals `wanted`; the mark is set
  * before the set call, so a failed set is not retried until the band changes (Parts 3.2, 3.3). */
-int refresh_gamma(int32_t *mark, int32_t wanted, const uint32_t curve[257]);
+int refresh_gamma(_Atomic int32_t *mark, int32_t wanted, const uint32_t curve[257]);
 
 /* Backlight-compensation exposure strategy by u8BlcLevel, only when u8BlcEnable is non-zero and
  * u8SlInhibitionEnable is 0; otherwise nothing. */
