@@ -34,3 +34,20 @@ testing::AssertionResult same_bytes(const void *a, const void *b, size_t size)
                                                << " != " << int(y[i]);
     return testing::AssertionSuccess();
 }
+
+testing::AssertionResult same_bytes(const ISP_DEFOG_ATTR_S *a, const ISP_DEFOG_ATTR_S *b, size_t size)
+{
+    if (size != sizeof *a)
+        return testing::AssertionFailure() << "size " << size << " is not that of ISP_DEFOG_ATTR_S";
+    if (a->bEnable != b->bEnable)
+        return testing::AssertionFailure() << "bEnable " << a->bEnable << " != " << b->bEnable;
+    if (a->enOpType != b->enOpType)
+        return testing::AssertionFailure() << "enOpType " << a->enOpType << " != " << b->enOpType;
+    if (a->stManual.u8strength != b->stManual.u8strength)
+        return testing::AssertionFailure() << "stManual.u8strength " << int(a->stManual.u8strength)
+                                           << " != " << int(b->stManual.u8strength);
+    if (a->stAuto.u8strength != b->stAuto.u8strength)
+        return testing::AssertionFailure() << "stAuto.u8strength " << int(a->stAuto.u8strength)
+                                           << " != " << int(b->stAuto.u8strength);
+    return testing::AssertionSuccess();
+}
