@@ -24,42 +24,56 @@ static int32_t scaled_gain(float gain)
     return scaled >= 2147483647.0 ? INT32_MAX : (int32_t)scaled;
 }
 
+/* Step 2: left to right in double, then rounded to single precision. */
+static float pass_gain(const ISP_EXP_INFO_S *exp)
+{
+    return (float)((double)exp->u32AGain * 0.0009765625 * (double)exp->u32DGain * 0.0009765625 *
+                   (double)exp->u32ISPDGain * 0.0009765625);
+}
+
+/* Steps 6 and 8 when a refresh is due. Kept out of line so that the quiet pass, the loop's common case,
+ * carries none of the refresh's registers (design: "Performance targets"). */
+static __attribute__((noinline)) bool refresh_pass(int32_t scaled, int32_t ircut, uint8_t watched)
+{
+    u8LastWatchedMode = watched;
+    /* The request is taken before the refresh, so one raised while the refresh runs (a profile switch,
+     * say) survives it and is served on the next pass (docs/decisions.md). */
+    const int32_t request = isp_flag_exchange(&ispParamReflashMark, 0);
+    if (QV_ISP_SetVarParam() != 0) {
+        if (request == 1)
+            isp_flag_store(&ispParamReflashMark, 1);
+        QV_SYSERROR(ISP_MODULE_CODE, "func(%s ::%d),QV_ISP_SetVarParam Failure\n", "QV_ISP_Proc", 238);
+        return false; /* straight back to the loop test: no pause, last values kept */
+    }
+    s32QuietPasses = 0;
+    s32LastScaledGain = scaled; /* step 8 */
+    s32LastIrCut = ircut;
+    return true;
+}
+
 bool isp_supervision_pass(const SysInfo *info, ISP_EXP_INFO_S *exp)
 {
     /* Step 1: on failure go on with the previous pass's values, still in *exp. */
     if (HI_MPI_ISP_QueryExposureInfo(0, exp) != HI_SUCCESS)
         puts("HI_MPI_ISP_QueryExposureInfo failed");
 
-    /* Step 2: left to right in double, then rounded to single precision. */
-    const float gain = (float)((double)exp->u32AGain * 0.0009765625 * (double)exp->u32DGain * 0.0009765625 *
-                               (double)exp->u32ISPDGain * 0.0009765625);
-    const int32_t scaled = scaled_gain(gain);       /* step 3 */
+    const int32_t scaled = scaled_gain(pass_gain(exp)); /* steps 2, 3 */
     const int32_t ircut = QV_GET_IRCUT_VALUE(scaled); /* step 4 */
 
     /* Step 5. Without a record (a caller other than QV_ISP_Proc) the watched mode counts as unchanged. */
     const uint8_t watched = info != NULL ? sysinfo_get(info, SYSINFO_u8WatchedMode) : u8LastWatchedMode;
-    const bool due = scaled != s32LastScaledGain || ircut != s32LastIrCut || watched != u8LastWatchedMode ||
-                     isp_flag_load(&ispParamReflashMark) == 1;
+    if (scaled != s32LastScaledGain || ircut != s32LastIrCut || watched != u8LastWatchedMode ||
+        isp_flag_load(&ispParamReflashMark) == 1)
+        return refresh_pass(scaled, ircut, watched);
 
-    if (due) { /* step 6 */
-        u8LastWatchedMode = watched;
-        /* The request is taken before the refresh, so one raised while the refresh runs (a profile switch,
-         * say) survives it and is served on the next pass (docs/decisions.md). */
-        const int32_t request = isp_flag_exchange(&ispParamReflashMark, 0);
-        if (QV_ISP_SetVarParam() != 0) {
-            if (request == 1)
-                isp_flag_store(&ispParamReflashMark, 1);
-            QV_SYSERROR(ISP_MODULE_CODE, "func(%s ::%d),QV_ISP_SetVarParam Failure\n", "QV_ISP_Proc", 238);
-            return false; /* straight back to the loop test: no pause, last values kept */
-        }
-        s32QuietPasses = 0;
-    } else if (s32QuietPasses < INT32_MAX && ++s32QuietPasses == QUIET_PASSES_BEFORE_ADJUST) { /* step 7 */
-        if (QV_ISP_FramerateAdjust(gain) == -1)
+    /* Step 7. The counter stops at 120 (Part 1.2 leaves the ceiling open): the adjustment still runs once
+     * per quiet period, and a long quiet period costs one comparison a pass. Step 8 has nothing to store
+     * on a quiet pass: the scaled gain and the IR-cut value are the last ones. */
+    if (s32QuietPasses < QUIET_PASSES_BEFORE_ADJUST && ++s32QuietPasses == QUIET_PASSES_BEFORE_ADJUST) {
+        /* This pass's gain of step 2: the same record, the same arithmetic, the same bits. */
+        if (QV_ISP_FramerateAdjust(pass_gain(exp)) == -1)
             QV_SYSERROR(ISP_MODULE_CODE, "QV_ISP_FramerateAdjust failed!!!\n");
     }
-
-    s32LastScaledGain = scaled; /* step 8 */
-    s32LastIrCut = ircut;
     return true;
 }
 

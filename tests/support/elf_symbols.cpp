@@ -35,6 +35,15 @@ std::string cstring(const std::vector<unsigned char> &bytes, uint64_t offset)
     return std::string(s, strnlen(s, bytes.size() - offset));
 }
 
+// Symbols that instrumented builds add to every object (not part of the library's interface).
+bool instrumentation(const std::string &name)
+{
+    for (const char *prefix : {"__odr_asan", "__asan_", "__tsan_", "__ubsan_", "__gcov_", "__gcov0", "__llvm_"})
+        if (name.rfind(prefix, 0) == 0)
+            return true;
+    return false;
+}
+
 template <typename Ehdr, typename Shdr, typename Sym, typename Dyn> struct Elf {
     const std::vector<unsigned char> &bytes;
     Ehdr header;
@@ -65,7 +74,8 @@ template <typename Ehdr, typename Shdr, typename Sym, typename Dyn> struct Elf {
                 e.global = bind == STB_GLOBAL || bind == STB_WEAK;
                 if (e.defined && sym.st_shndx < header.e_shnum)
                     e.writable = (section(sym.st_shndx).sh_flags & SHF_WRITE) != 0;
-                out.push_back(e);
+                if (!instrumentation(e.name))
+                    out.push_back(e);
             }
         }
         return out;

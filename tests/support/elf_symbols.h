@@ -16,7 +16,9 @@ struct ElfSymbol {
     bool global = false;   // STB_GLOBAL or STB_WEAK
 };
 
-// Every entry of .dynsym except the null entry. Throws std::runtime_error when the file is no ELF.
+// Every entry of .dynsym except the null entry and the symbols a sanitizer or coverage build adds for
+// its own bookkeeping (__odr_asan.*, __asan_*, __tsan_*, __ubsan_*, __gcov_*). Throws std::runtime_error
+// when the file is no ELF.
 std::vector<ElfSymbol> read_dynamic_symbols(const std::string &path);
 
 // The DT_NEEDED entries of the object's dynamic section (the libraries it links).
