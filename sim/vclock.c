@@ -22,6 +22,8 @@ static size_t g_granted;          /* stepping: call k may pass once k <= g_grant
 static int g_stepping;
 static uint64_t g_now_us;
 static double g_factor;
+static vclock_hook_fn g_hook;
+static void *g_hook_context;
 static struct vclock_call g_records[VCLOCK_MAX_CALLS];
 
 /* A thread's number, valid while its generation is the current one (a reset renumbers threads). */
@@ -82,15 +84,22 @@ static void vclock_call(enum vclock_kind kind, uint64_t duration_us)
         unlock();
         return;
     }
+    const struct vclock_call call = { .kind = kind, .duration_us = duration_us, .start_us = g_now_us,
+                                      .thread = t_number };
     if (number <= VCLOCK_MAX_CALLS) {
         g_records[number - 1].start_us = g_now_us;
     }
     g_now_us += duration_us;
     const double factor = g_factor;
+    const vclock_hook_fn hook = g_hook;
+    void *const hook_context = g_hook_context;
     unlock();
 
     if (factor > 0.0) {
         real_wait((double)duration_us * 1e-6 * factor);
+    }
+    if (hook != NULL) {
+        hook(&call, number, hook_context);
     }
 }
 
@@ -116,6 +125,8 @@ void vclock_reset(void)
     g_stepping = 0;
     g_now_us = 0;
     g_factor = 0.0;
+    g_hook = NULL;
+    g_hook_context = NULL;
     pthread_cond_broadcast(&g_gate);
     unlock();
 }
@@ -213,4 +224,12 @@ int vclock_set_realtime(double factor)
     g_factor = factor;
     unlock();
     return 0;
+}
+
+void vclock_set_hook(vclock_hook_fn hook, void *context)
+{
+    lock();
+    g_hook = hook;
+    g_hook_context = context;
+    unlock();
 }

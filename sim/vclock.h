@@ -55,7 +55,7 @@ struct vclock_call {
 enum { VCLOCK_MAX_CALLS = 8192 };
 
 /*
- * Back to the start: time 0, no calls, thread numbering restarts, stepping off, real-time factor 0. Callers
+ * Back to the start: time 0, no calls, thread numbering restarts, stepping off, real-time factor 0, no hook. Callers
  * blocked in stepping mode are released and return without being counted. Call it when no other thread is
  * using the clock, normally at the start of a test.
  */
@@ -98,6 +98,17 @@ void vclock_free_run(void);
  * is unaffected. Returns 0, or -1 (and changes nothing) for a negative or non-finite factor.
  */
 int vclock_set_realtime(double factor);
+
+/*
+ * A hook run after every call, on the calling thread, once the call has been let through, its duration
+ * added to virtual time and (in real-time mode) waited: isptune-sim advances its world there, so the world
+ * moves with virtual time at points that do not depend on thread scheduling. `call` describes the call
+ * (start_us + duration_us is the virtual time now); `number` is its call number since the last reset.
+ * The clock's lock is not held while the hook runs, so it may call anything, sleep and usleep included
+ * (each such call runs the hook again, on its own thread). NULL removes the hook; vclock_reset does too.
+ */
+typedef void (*vclock_hook_fn)(const struct vclock_call *call, size_t number, void *context);
+void vclock_set_hook(vclock_hook_fn hook, void *context);
 
 #ifdef __cplusplus
 }

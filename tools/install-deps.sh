@@ -8,6 +8,7 @@ packages=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev  # tests (GoogleTest built from source), benchmarks
   gcc-arm-linux-gnueabi g++-arm-linux-gnueabi qemu-user   # ARM926 cross build, tests under qemu-arm
   python3 gnuplot-nox valgrind binutils file       # generators, plots, callgrind, size/nm
+  libyaml-dev                                       # isptune-sim: scenario files (YAML)
 )
 
 missing=()

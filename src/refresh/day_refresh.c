@@ -13,9 +13,7 @@
 static _Atomic int32_t s32DayGammaMark = -1;
 
 static const RefreshCaller kDay = {
-    .func = "ISP_SetParamDayRefresh",
-    .nrs_get_line = 795,
-    .nrs_set_line = 836,
+    .nr = {"ISP_SetParamDayRefresh", 795, 836},
     .black_get_line = 892,
     .black_set_line = 920,
 };
@@ -46,21 +44,14 @@ static int refresh_white_balance(void)
 
 int32_t ISP_SetParamDayRefresh(int32_t G, int32_t L)
 {
-    if (ISP_CheckGainLevel(kDay.func, L) != 0)
+    const SysInfo *info = refresh_begin(&kDay, L); /* step 1 */
+    if (info == NULL)
         return -1;
-    const SysInfo *info = GetSysInfo(); /* step 1 */
-    if (info == NULL) {
-        puts("GetSysInfo failed is NULL");
-        return -1;
-    }
-    /* Step 2: the spec's s32DayDnrMode, a copy nothing else reads, so a local. */
-    const int32_t dnr_mode = sysinfo_get(info, SYSINFO_u8DnrMode);
 
-    const IspNrCaller nr_caller = {kDay.func, kDay.nrs_get_line, kDay.nrs_set_line};
     const int32_t wanted_curve = G >= 55 ? 1 : 0;
     static const uint32_t *const kCurves[2] = {g_gamma_table_day, g_gamma_table_day_highgain};
 
-    if (ISP_UpdateNrRecord(&g_3dnr_tables_day, dnr_mode, G, L, &nr_caller) != 0 ||  /* step 3 */
+    if (refresh_noise_reduction(&kDay, &g_3dnr_tables_day, info, G, L) != 0 ||           /* steps 2, 3 */
         refresh_drc(info, gColorDRCStrength, G, L) != 0 ||                              /* step 4 */
         refresh_defog(info, gColorDefog, G, L) != 0 ||                                  /* step 5 */
         refresh_black_level(&kDay, g_black_level_table_day, G) != 0 ||                  /* step 6 */

@@ -11,9 +11,7 @@
 static _Atomic int32_t s32NightGammaMark = -1;
 
 static const RefreshCaller kNight = {
-    .func = "ISP_SetParamNightRefresh",
-    .nrs_get_line = 1390,
-    .nrs_set_line = 1430,
+    .nr = {"ISP_SetParamNightRefresh", 1390, 1430},
     .black_get_line = 1540,
     .black_set_line = 1568,
 };
@@ -30,18 +28,11 @@ static int refresh_night_gamma(int32_t G)
 
 int32_t ISP_SetParamNightRefresh(int32_t G, int32_t L)
 {
-    if (ISP_CheckGainLevel(kNight.func, L) != 0)
+    const SysInfo *info = refresh_begin(&kNight, L); /* step 1 */
+    if (info == NULL)
         return -1;
-    const SysInfo *info = GetSysInfo(); /* step 1 */
-    if (info == NULL) {
-        puts("GetSysInfo failed is NULL");
-        return -1;
-    }
-    /* Step 2: the spec's s32NightDnrMode, a copy nothing else reads, so a local. */
-    const int32_t dnr_mode = sysinfo_get(info, SYSINFO_u8DnrMode);
 
-    const IspNrCaller nr_caller = {kNight.func, kNight.nrs_get_line, kNight.nrs_set_line};
-    if (ISP_UpdateNrRecord(&g_3dnr_tables_night, dnr_mode, G, L, &nr_caller) != 0 || /* step 3 */
+    if (refresh_noise_reduction(&kNight, &g_3dnr_tables_night, info, G, L) != 0 || /* steps 2, 3 */
         refresh_drc(info, gNightDRCStrength, G, L) != 0 ||                                 /* step 4 */
         refresh_night_gamma(G) != 0 ||                                                     /* step 5 */
         refresh_defog(info, gNightDefog, G, L) != 0 ||                                     /* step 6 */

@@ -4,6 +4,23 @@
 #include "refresh/refresh.h"
 #include "refresh/refresh_steps.h"
 
+const SysInfo *refresh_begin(const RefreshCaller *caller, int32_t L)
+{
+    if (ISP_CheckGainLevel(caller->nr.func, L) != 0)
+        return NULL;
+    const SysInfo *info = GetSysInfo();
+    if (info == NULL)
+        puts("GetSysInfo failed is NULL");
+    return info;
+}
+
+int refresh_noise_reduction(const RefreshCaller *caller, const IspNrTables *tables, const SysInfo *info,
+                            int32_t G, int32_t L)
+{
+    const int32_t dnr_mode = sysinfo_get(info, SYSINFO_u8DnrMode);
+    return ISP_UpdateNrRecord(tables, dnr_mode, G, L, &caller->nr);
+}
+
 int refresh_drc(const SysInfo *info, const uint8_t strength_table[], int32_t G, int32_t L)
 {
     if (sysinfo_get(info, SYSINFO_u8WdrLevel) != 0 || sysinfo_get(info, SYSINFO_u8SlInhibitionEnable) != 0)
@@ -58,7 +75,7 @@ int refresh_black_level(const RefreshCaller *caller, const uint16_t low_table[4]
     ISP_BLACK_LEVEL_S black;
     HI_S32 ret = HI_MPI_ISP_GetBlackLevelAttr(0, &black);
     if (ret != HI_SUCCESS) {
-        printf("HI_MPI_ISP_GetBlackLevelAttr %s %d failed %#x !!!\n", caller->func, caller->black_get_line,
+        printf("HI_MPI_ISP_GetBlackLevelAttr %s %d failed %#x !!!\n", caller->nr.func, caller->black_get_line,
                (unsigned)ret);
         return -1;
     }
@@ -70,7 +87,7 @@ int refresh_black_level(const RefreshCaller *caller, const uint16_t low_table[4]
     /* 55..60: the levels stay as read, so the band keeps whichever table was written last. */
     ret = HI_MPI_ISP_SetBlackLevelAttr(0, &black);
     if (ret != HI_SUCCESS) {
-        printf("HI_MPI_ISP_SetBlackLevelAttr %s %d failed %#x !!!\n", caller->func, caller->black_set_line,
+        printf("HI_MPI_ISP_SetBlackLevelAttr %s %d failed %#x !!!\n", caller->nr.func, caller->black_set_line,
                (unsigned)ret);
         return -1;
     }

@@ -7,13 +7,21 @@
 
 #include "platform/host.h"
 #include "platform/mpp.h"
+#include "refresh/refresh.h"
 
 /* Which refresh runs a step, for its messages: the function name and the fixed line numbers. */
 typedef struct RefreshCaller {
-    const char *func;
-    int nrs_get_line, nrs_set_line;          /* step 3 */
-    int black_get_line, black_set_line;      /* black-level step */
+    IspNrCaller nr;                     /* the function name and the lines of step 3 */
+    int black_get_line, black_set_line; /* the black-level step */
 } RefreshCaller;
+
+/* Step 1 (after the level check of docs/decisions.md): the host's record, or NULL after the message. */
+const SysInfo *refresh_begin(const RefreshCaller *caller, int32_t L);
+
+/* Steps 2 and 3: the noise-reduction record at (G, L) under the host's u8DnrMode (the spec's
+ * s32DayDnrMode / s32NightDnrMode, a copy nothing else reads, so a local). */
+int refresh_noise_reduction(const RefreshCaller *caller, const IspNrTables *tables, const SysInfo *info,
+                            int32_t G, int32_t L);
 
 /* Each step returns 0, or -1 after printing its message (the refresh then ends). */
 
