@@ -18,7 +18,7 @@
 #include "sysinfo_access.h"
 
 extern "C" {
-#include "attributes/attributes_two.h"
+#include "core/core.h"
 #include "isptune.h"
 }
 

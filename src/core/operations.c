@@ -3,7 +3,6 @@
 #include <string.h>
 
 #include "attributes/attributes.h"
-#include "attributes/attributes_two.h"
 #include "core/core.h"
 
 /*
