@@ -430,6 +430,7 @@ TEST(NrRecordUpdate, CallsGetThenSetOnGroup0WithVersion2)
 
 TEST(NrRecordUpdate, FailingGetPrintsCallersMessageAndWritesNothing)
 {
+    sim_mpp_reset(); // the fault is armed on the 1st call counted from here
     SyntheticNrTables s;
     VPSS_GRP_NRS_PARAM_S before = read_nrs();
     sim_mpp_fail("HI_MPI_VPSS_GetGrpNRSParam", 1, 1, HI_ERR_VPSS_NOTREADY);
@@ -444,6 +445,7 @@ TEST(NrRecordUpdate, FailingGetPrintsCallersMessageAndWritesNothing)
 
 TEST(NrRecordUpdate, FailingSetPrintsCallersMessage)
 {
+    sim_mpp_reset(); // the fault is armed on the 1st call counted from here
     SyntheticNrTables s;
     const IspNrCaller night = {"ISP_SetParamNightRefresh", 1000, 1040};
     sim_mpp_fail("HI_MPI_VPSS_SetGrpNRSParam", 1, 1, HI_ERR_VPSS_BUSY);

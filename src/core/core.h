@@ -52,6 +52,10 @@ extern _Atomic int32_t ProfileMode;
  * 33,333 us before the next pass, false when a failed refresh is to be retried at once. */
 bool isp_supervision_pass(const SysInfo *info, ISP_EXP_INFO_S *exp);
 
+/* Part 1.7: the supervision thread says it is about to end (called by QV_ISP_Proc as it returns), so that
+ * QV_ISP_Start can tell a running service from one whose thread has ended on its own. */
+void isp_service_thread_ends(void);
+
 /*
  * Part 1.1: a copy of the cached configuration (the last get_config snapshot, zero before the first), read
  * the way a set operation reads it. For diagnostics (tests, isptune-sim); not exported.

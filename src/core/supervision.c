@@ -40,8 +40,8 @@ static __attribute__((noinline)) bool refresh_pass(int32_t scaled, int32_t ircut
      * say) survives it and is served on the next pass (docs/decisions.md). */
     const int32_t request = isp_flag_exchange(&ispParamReflashMark, 0);
     if (QV_ISP_SetVarParam() != 0) {
-        if (request == 1)
-            isp_flag_store(&ispParamReflashMark, 1);
+        if (request != 0) /* the request stays as it was (any value the host wrote) */
+            isp_flag_store(&ispParamReflashMark, request);
         QV_SYSERROR(ISP_MODULE_CODE, "func(%s ::%d),QV_ISP_SetVarParam Failure\n", "QV_ISP_Proc", 238);
         return false; /* straight back to the loop test: no pause, last values kept */
     }
@@ -96,6 +96,7 @@ void *QV_ISP_Proc(void *arg)
      * retry-without-pause rule would spin the CPU: the thread ends here (docs/decisions.md). */
     if (info == NULL) {
         QV_SYSERROR(ISP_MODULE_CODE, "QV_ISP_Proc: no SysInfo record, the supervision loop does not run\n");
+        isp_service_thread_ends();
         return NULL;
     }
 
@@ -107,5 +108,6 @@ void *QV_ISP_Proc(void *arg)
         if (isp_supervision_pass(info, &exp))
             usleep(PASS_PAUSE_US); /* step 9 */
     }
+    isp_service_thread_ends();
     return NULL;
 }
