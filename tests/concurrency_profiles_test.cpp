@@ -11,27 +11,13 @@
 
 #include <gtest/gtest.h>
 
-#include "isptune.h"
-#include "isptune_test.h"
-
-// src/core/core.h declares it `extern _Atomic int32_t ProfileMode;`, which C++17 cannot include; GCC lays
-// out std::atomic<int32_t> exactly as _Atomic int32_t (a lock-free 4-byte word).
-extern "C" std::atomic<int32_t> ProfileMode;
-static_assert(sizeof(std::atomic<int32_t>) == 4 && std::atomic<int32_t>::is_always_lock_free,
-              "std::atomic<int32_t> must match _Atomic int32_t");
+#include "profile_test_support.h"
+#include "service_test_support.h"
 
 namespace {
 
-constexpr const char *kMarker = "/tmp/FramerateAdjust";
 constexpr const char *kDayDone = "--------------paramday-refresh-done--------------\n";
 constexpr const char *kNightDone = "--------------paramnight-refresh-done--------------\n";
-
-using Bytes = std::vector<unsigned char>;
-
-int32_t mark()
-{
-    return __atomic_load_n(&ispParamReflashMark, __ATOMIC_SEQ_CST);
-}
 
 bool contains(const std::string &text, const char *part)
 {
@@ -45,11 +31,13 @@ const sim_mpp_record_id kProfileRecords[] = {
     SIM_REC_DP_DYNAMIC_ATTR,
 };
 
-Bytes record_bytes(sim_mpp_record_id id)
+// The profile attributes as the platform holds them now, in kProfileRecords order.
+std::vector<Bytes> profile_attributes()
 {
-    Bytes bytes(sim_mpp_record_size(id));
-    sim_mpp_read(id, bytes.data());
-    return bytes;
+    std::vector<Bytes> state;
+    for (sim_mpp_record_id id : kProfileRecords)
+        state.push_back(record_bytes(id));
+    return state;
 }
 
 // The profile attributes after the baseline (Part 1.4) and then `profiles` (day 'D', night 'N') applied one
@@ -62,39 +50,19 @@ std::vector<Bytes> serial_reference(const char *profiles)
     EXPECT_EQ(QV_ISP_SetParam(), 0);
     for (const char *p = profiles; *p != '\0'; ++p)
         EXPECT_EQ(*p == 'D' ? ISP_SetParamDay() : ISP_SetParamNight(), 0) << p - profiles;
-    std::vector<Bytes> state;
-    for (sim_mpp_record_id id : kProfileRecords)
-        state.push_back(record_bytes(id));
-    return state;
+    return profile_attributes();
 }
 
-class ProfilesWithService : public ::testing::Test {
+class ProfilesWithService : public ServiceTest {
 protected:
     void SetUp() override
     {
-        sim_mpp_reset();
-        sim_host_reset();
-        vclock_reset();
+        ServiceTest::SetUp();
         sim_host_run_commands(0); // no fork() from a threaded (sanitized) process; commands are recorded
-        std::remove(kMarker);
-        ProfileMode.store(0);
-        __atomic_store_n(&ispParamReflashMark, 0, __ATOMIC_SEQ_CST);
+        test_set_profile_mode(0);
+        set_reflash_mark(0);
     }
-    void TearDown() override
-    {
-        vclock_free_run(); // always before the join in QV_ISP_Stop
-        QV_ISP_Stop();
-        std::remove(kMarker);
-    }
-
-    // Stepping: starts the service held in its start-up sleep(10), call 1.
-    void start_held()
-    {
-        vclock_step_mode(1);
-        granted_ = vclock_call_count();
-        ASSERT_EQ(QV_ISP_Start(), 0);
-        ASSERT_EQ(vclock_wait_blocked(granted_ + 1), 0) << "the thread never reached sleep(10)";
-    }
+    int wait_for_call(size_t call) override { return vclock_wait_blocked(call); }
 
     // Stepping: one more pass (the first grant runs the start-up and the first pass); what it printed.
     std::string pass()
@@ -102,11 +70,9 @@ protected:
         StdoutCapture capture;
         granted_ += 1;
         vclock_allow(1);
-        EXPECT_EQ(vclock_wait_blocked(granted_ + 1), 0) << "the thread did not come back to the clock";
+        EXPECT_EQ(wait_for_call(granted_ + 1), 0) << "the thread did not come back to the clock";
         return capture.take();
     }
-
-    size_t granted_ = 0;
 };
 
 // Done when: day -> night -> day with the service running; each switch's next pass runs the refresh of the
@@ -116,7 +82,7 @@ TEST_F(ProfilesWithService, DayNightDaySwitchRunsTheNewProfilesRefreshOnTheNextP
     start_held();
     const std::string first = pass(); // start-up, baseline, first pass: always a refresh (Part 1.2)
     EXPECT_TRUE(contains(first, kDayDone)) << first;
-    EXPECT_EQ(mark(), 0);
+    EXPECT_EQ(reflash_mark(), 0);
 
     for (const char profile : {'D', 'N', 'D'}) {
         SCOPED_TRACE(profile);
@@ -125,8 +91,8 @@ TEST_F(ProfilesWithService, DayNightDaySwitchRunsTheNewProfilesRefreshOnTheNextP
             ASSERT_EQ(profile == 'D' ? ISP_SetParamDay() : ISP_SetParamNight(), 0);
             EXPECT_EQ(quiet.take(), "") << "a successful profile prints nothing";
         }
-        EXPECT_EQ(ProfileMode.load(), profile == 'D' ? 0 : 1);
-        EXPECT_EQ(mark(), 1) << "the request waits for the thread";
+        EXPECT_EQ(profile_mode(), profile == 'D' ? 0 : 1);
+        EXPECT_EQ(reflash_mark(), 1) << "the request waits for the thread";
 
         const unsigned wb_queries = sim_mpp_call_count("HI_MPI_ISP_QueryWBInfo"); // the day refresh's only
         const std::string out = pass();
@@ -139,7 +105,7 @@ TEST_F(ProfilesWithService, DayNightDaySwitchRunsTheNewProfilesRefreshOnTheNextP
             EXPECT_FALSE(contains(out, kDayDone)) << out;
             EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_QueryWBInfo"), wb_queries);
         }
-        EXPECT_EQ(mark(), 0) << "cleared by the successful refresh";
+        EXPECT_EQ(reflash_mark(), 0) << "cleared by the successful refresh";
 
         const std::string quiet_pass = pass(); // nothing changed: no refresh
         EXPECT_FALSE(contains(quiet_pass, kDayDone)) << quiet_pass;
@@ -149,7 +115,7 @@ TEST_F(ProfilesWithService, DayNightDaySwitchRunsTheNewProfilesRefreshOnTheNextP
     vclock_free_run();
     EXPECT_EQ(QV_ISP_Stop(), 0);
     EXPECT_EQ(sim_host_log_matches("Failure"), 0u);
-    EXPECT_EQ(ProfileMode.load(), 0);
+    EXPECT_EQ(profile_mode(), 0);
 
     // The colour profile in force: automatic saturation and matrix, anti-false-colour on, VPSS sharpening
     // off, the day curve; the night's manual values stay stored.
@@ -166,9 +132,7 @@ TEST_F(ProfilesWithService, DayNightDaySwitchRunsTheNewProfilesRefreshOnTheNextP
 
     // Byte for byte, every profile attribute as the same calls made one after another leave it (the
     // refreshes at gain 1 write none of them but the gamma curve, which they load identically).
-    std::vector<Bytes> running;
-    for (sim_mpp_record_id id : kProfileRecords)
-        running.push_back(record_bytes(id));
+    const std::vector<Bytes> running = profile_attributes();
     const std::vector<Bytes> reference = serial_reference("DND");
     for (size_t i = 0; i < running.size(); ++i)
         EXPECT_TRUE(same_bytes(running[i].data(), reference[i].data(), reference[i].size()))
@@ -217,7 +181,7 @@ TEST_F(ProfilesWithService, HostSwitchesProfilesBackAndForthWhileTheServiceRuns)
     switcher.join();
     host.join();
     EXPECT_EQ(failures.load(), 0);
-    EXPECT_EQ(ProfileMode.load(), 0) << "the last switch was to the colour profile";
+    EXPECT_EQ(profile_mode(), 0) << "the last switch was to the colour profile";
 
     // A last switch, at unity gain and neutral sharpness, then two more passes: the second one starts after
     // the switch returned, so it has seen (and cleared) the request.
@@ -226,7 +190,7 @@ TEST_F(ProfilesWithService, HostSwitchesProfilesBackAndForthWhileTheServiceRuns)
     ASSERT_EQ(ISP_SetParamNight(), 0);
     ASSERT_EQ(ISP_SetParamDay(), 0);
     ASSERT_EQ(vclock_wait_blocked(vclock_call_count() + 2), 0);
-    EXPECT_EQ(mark(), 0) << "the thread ran the refresh the switch asked for";
+    EXPECT_EQ(reflash_mark(), 0) << "the thread ran the refresh the switch asked for";
 
     EXPECT_EQ(QV_ISP_Stop(), 0);
     const std::string printed = out.take();
@@ -239,9 +203,7 @@ TEST_F(ProfilesWithService, HostSwitchesProfilesBackAndForthWhileTheServiceRuns)
     // The profile attributes are the colour profile's (after a night), except the gamma curve, which a
     // night refresh racing with the last switch may legitimately have written last (Overview: "the later
     // write wins").
-    std::vector<Bytes> running;
-    for (sim_mpp_record_id id : kProfileRecords)
-        running.push_back(record_bytes(id));
+    const std::vector<Bytes> running = profile_attributes();
     const std::vector<Bytes> reference = serial_reference("ND");
     for (size_t i = 0; i < running.size(); ++i) {
         if (kProfileRecords[i] == SIM_REC_GAMMA_ATTR)

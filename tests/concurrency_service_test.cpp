@@ -11,47 +11,25 @@
 
 #include <gtest/gtest.h>
 
-#include "isptune.h"
-#include "isptune_test.h"
-
-// The library's `_Atomic int32_t ProfileMode` (src/core/core.h): the host threads switch it the way
-// ISP_SetParamDay/Night do as their first action (with the same atomic stores the C11 code compiles to).
-extern "C" int32_t ProfileMode;
+#include "service_test_support.h"
 
 namespace {
 
-constexpr const char *kMarker = "/tmp/FramerateAdjust";
 constexpr int kIterations = 2000; // per host thread
 constexpr size_t kPassesAfterwards = 50;
-
-// vclock_wait_blocked with a short real-time limit: the supervision thread reaches its next clock call in
-// microseconds, so a test that waits longer than this is wrong and should fail fast, not hang.
-int reached(size_t call)
-{
-    return vclock_wait_blocked_for(call, 2000);
-}
 
 // Gains (AGain, DGain, ISPDGain) the host's AE reports in turn: from unity through the hysteresis band to
 // beyond 32, so refreshes, quiet periods and frame-rate changes all happen.
 const HI_U32 kGains[][3] = {{1024, 1024, 1024}, {3072, 1024, 1024}, {4710, 1024, 1024},
                             {16384, 1024, 1024}, {15872, 1024, 2048}, {15872, 1024, 4096}};
 
-class ConcurrencyService : public ::testing::Test {
+class ConcurrencyService : public ServiceTest {
 protected:
     void SetUp() override
     {
-        sim_mpp_reset();
-        sim_host_reset();
-        vclock_reset();
-        sim_mpp_log_enable(0);      // only the call counts are needed; the log would hold every record
-        sim_host_run_commands(0);   // no fork() from a threaded (sanitized) process; commands are recorded
-        std::remove(kMarker);
-    }
-    void TearDown() override
-    {
-        vclock_free_run();
-        QV_ISP_Stop();
-        std::remove(kMarker);
+        ServiceTest::SetUp();
+        sim_mpp_log_enable(0);    // only the call counts are needed; the log would hold every record
+        sim_host_run_commands(0); // no fork() from a threaded (sanitized) process; commands are recorded
     }
 
     // Runs each body on its own thread for kIterations rounds, all at once, and joins them. When `paced`,
@@ -91,9 +69,9 @@ protected:
                 sim_host_set_ircut(i / 7 % 2);
                 sim_host_set_field(SYSINFO_u8WatchedMode, uint8_t(i / 11 % 3));
                 sim_host_set_field(SYSINFO_u8FlickerMode, uint8_t(i / 13 % 3));
-                __atomic_store_n(&ProfileMode, i / 17 % 2, __ATOMIC_SEQ_CST);
+                test_set_profile_mode(i / 17 % 2);
                 if (i % 19 == 0)
-                    __atomic_store_n(&ispParamReflashMark, 1, __ATOMIC_SEQ_CST); // as a profile switch does
+                    set_reflash_mark(1); // as a profile switch does
             },
             [host_refreshes](int i) {
                 if (host_refreshes && i % 2 == 0) {
@@ -120,7 +98,7 @@ protected:
         ASSERT_EQ(reached(calls_after + kPassesAfterwards), 0);
 
         EXPECT_EQ(QV_ISP_Stop(), 0);
-        EXPECT_EQ(__atomic_load_n(&gISPStatus, __ATOMIC_SEQ_CST), 0);
+        EXPECT_EQ(status(), 0);
         out.take();
 
         // Nothing failed: the record was always there and the platform never refused a call.
@@ -162,7 +140,7 @@ TEST_F(ConcurrencyService, StartsAndStopsWhileHostThreadsChangeConditions)
     });
     run_host_threads(bodies, false);
     EXPECT_EQ(QV_ISP_Stop(), 0);
-    EXPECT_EQ(__atomic_load_n(&gISPStatus, __ATOMIC_SEQ_CST), 0);
+    EXPECT_EQ(status(), 0);
     out.take();
 
     // Every start made one thread, and every thread applied the baseline once (Part 1.4 is the only

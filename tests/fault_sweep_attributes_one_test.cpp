@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "isptune_test.h"
+#include "call_test_support.h"
 
 extern "C" {
 #include "attributes/attributes.h"
@@ -14,8 +14,6 @@ extern "C" {
 }
 
 namespace {
-
-using Calls = std::vector<std::string>;
 
 // The function under test, with the arguments of its run.
 enum class Fn {
@@ -135,16 +133,6 @@ int32_t call_function(Fn fn)
     }
     }
     return 99;
-}
-
-// HI_ERR_ISP_NOT_INIT 0xa01c8040, HI_ERR_VPSS_BUSY 0xa0078012, HI_ERR_VI_BUSY 0xa0108012.
-HI_S32 code_for(const std::string &call)
-{
-    if (call.rfind("HI_MPI_VPSS_", 0) == 0)
-        return HI_ERR_VPSS_BUSY;
-    if (call.rfind("HI_MPI_VI_", 0) == 0)
-        return HI_ERR_VI_BUSY;
-    return HI_ERR_ISP_NOT_INIT;
 }
 
 const std::string kGetExp = "HI_MPI_ISP_GetExposureAttr", kSetExp = "HI_MPI_ISP_SetExposureAttr";
@@ -313,7 +301,7 @@ protected:
 TEST_P(AttributeFaultSweep, FailingCallPrintsItsMessageAndNothingFollows)
 {
     const FaultRow &row = GetParam();
-    const HI_S32 code = code_for(row.call);
+    const HI_S32 code = failure_code_for(row.call);
     ASSERT_EQ(sim_mpp_fail(row.call, row.nth, 1, code), 0);
     ISP_EXPOSURE_ATTR_S exp_before = platform_record<ISP_EXPOSURE_ATTR_S>(SIM_REC_EXPOSURE_ATTR);
 

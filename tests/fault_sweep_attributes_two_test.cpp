@@ -47,11 +47,6 @@ const std::vector<Path> &paths()
     return p;
 }
 
-HI_S32 code_for(const std::string &call)
-{
-    return call.rfind("HI_MPI_VI_", 0) == 0 ? HI_ERR_VI_BUSY : HI_ERR_ISP_NOT_INIT;
-}
-
 struct Expected {
     std::string out;      // standard output
     std::string host_log; // the one QV_SYSERROR entry, or ""
@@ -62,8 +57,8 @@ struct Expected {
 Expected expected(Fn fn, const std::string &call)
 {
     char hex[32];
-    std::snprintf(hex, sizeof hex, "%#x", unsigned(code_for(call)));
-    const std::string dec = std::to_string(int(code_for(call)));
+    std::snprintf(hex, sizeof hex, "%#x", unsigned(failure_code_for(call)));
+    const std::string dec = std::to_string(int(failure_code_for(call)));
     switch (fn) {
     case Fn::IrisMode0:
     case Fn::IrisMode1:
@@ -79,7 +74,7 @@ Expected expected(Fn fn, const std::string &call)
                 "", -1};
     case Fn::DebugInfo:
         if (call == "HI_MPI_ISP_GetPubAttr")
-            return {"", "HI_MPI_ISP_GetPubAttr failue!!!\n", code_for(call)};
+            return {"", "HI_MPI_ISP_GetPubAttr failue!!!\n", failure_code_for(call)};
         if (call == "HI_MPI_ISP_QueryExposureInfo")
             return {call + " failed with " + hex + "\n", "", -1};
         return {"HI_MPI_ISP_QueryWBInfo failed\n", "", -1};
@@ -122,7 +117,7 @@ Outcome run(const std::function<int32_t(std::vector<char> &)> &call, const std::
     }
     sim_mpp_reset();
     sim_host_reset();
-    EXPECT_EQ(sim_mpp_fail(failing.c_str(), 1, 1, code_for(failing)), 0);
+    EXPECT_EQ(sim_mpp_fail(failing.c_str(), 1, 1, failure_code_for(failing)), 0);
     std::vector<char> lines(1024, '#');
     Outcome o;
     StdoutCapture capture;

@@ -1,22 +1,11 @@
 // Parts 2.3, 2.4: every platform call of ISP_SetParamDay and ISP_SetParamNight, failed in turn.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "isptune_test.h"
-
-extern "C" {
-#include "isptune.h"
-}
-
-// src/core/core.h declares it `extern _Atomic int32_t ProfileMode;`, which C++17 cannot include; GCC lays
-// out std::atomic<int32_t> exactly as _Atomic int32_t (a lock-free 4-byte word).
-extern "C" std::atomic<int32_t> ProfileMode;
-static_assert(sizeof(std::atomic<int32_t>) == 4 && std::atomic<int32_t>::is_always_lock_free,
-              "std::atomic<int32_t> must match _Atomic int32_t");
+#include "profile_test_support.h"
 
 namespace {
 
@@ -87,11 +76,6 @@ const FaultRow kRows[] = {
      "HI_MPI_ISP_SetDPDynamicAttr ISP_SetParamNight 1355 failed 0xa01c8040 !!!\n"},
 };
 
-HI_S32 code_for(const std::string &call)
-{
-    return call.rfind("HI_MPI_VPSS_", 0) == 0 ? HI_ERR_VPSS_BUSY : HI_ERR_ISP_NOT_INIT;
-}
-
 int32_t run(Profile p)
 {
     return p == Profile::Day ? ISP_SetParamDay() : ISP_SetParamNight();
@@ -107,43 +91,11 @@ std::vector<std::string> full_path(Profile p)
     return calls;
 }
 
-// The record a set call writes.
-sim_mpp_record_id record_of(const std::string &set_call)
-{
-    const struct {
-        const char *call;
-        sim_mpp_record_id id;
-    } sets[] = {
-        {"HI_MPI_ISP_SetExposureAttr", SIM_REC_EXPOSURE_ATTR},
-        {"HI_MPI_ISP_SetGammaAttr", SIM_REC_GAMMA_ATTR},
-        {"HI_MPI_ISP_SetSaturationAttr", SIM_REC_SATURATION_ATTR},
-        {"HI_MPI_ISP_SetSharpenAttr", SIM_REC_SHARPEN_ATTR},
-        {"HI_MPI_VPSS_SetGrpAttr", SIM_REC_VPSS_GRP_ATTR},
-        {"HI_MPI_ISP_SetCCMAttr", SIM_REC_CCM_ATTR},
-        {"HI_MPI_ISP_SetAntiFalseColorAttr", SIM_REC_ANTI_FALSECOLOR},
-        {"HI_MPI_ISP_SetDemosaicAttr", SIM_REC_DEMOSAIC_ATTR},
-        {"HI_MPI_ISP_SetDPDynamicAttr", SIM_REC_DP_DYNAMIC_ATTR},
-    };
-    for (const auto &s : sets)
-        if (set_call == s.call)
-            return s.id;
-    ADD_FAILURE() << "no record for " << set_call;
-    return SIM_REC_COUNT;
-}
-
-std::vector<unsigned char> record_bytes(sim_mpp_record_id id)
-{
-    std::vector<unsigned char> bytes(sim_mpp_record_size(id));
-    sim_mpp_read(id, bytes.data());
-    return bytes;
-}
-
-class ProfileFaultSweep : public ::testing::TestWithParam<FaultRow> {
+class ProfileFaultSweep : public SimTestWithParam<FaultRow> {
 protected:
     void SetUp() override
     {
-        sim_mpp_reset();
-        sim_host_reset();
+        SimTestWithParam::SetUp();
         ASSERT_EQ(sim_host_get_field(SYSINFO_u8Sharpness), 128);
     }
 };
@@ -152,14 +104,12 @@ TEST_P(ProfileFaultSweep, PrintsTheMessageReturnsMinusOneAndMakesNoLaterCall)
 {
     const FaultRow &row = GetParam();
     const int32_t wanted_mode = row.profile == Profile::Day ? 0 : 1;
-    ProfileMode.store(1 - wanted_mode);
-    __atomic_store_n(&ispParamReflashMark, 0, __ATOMIC_SEQ_CST);
-    ASSERT_EQ(sim_mpp_fail(row.call, 1, SIM_MPP_ALWAYS, code_for(row.call)), 0);
+    test_set_profile_mode(1 - wanted_mode);
+    set_reflash_mark(0);
+    ASSERT_EQ(sim_mpp_fail(row.call, 1, SIM_MPP_ALWAYS, failure_code_for(row.call)), 0);
 
     // The platform before the run, to show that nothing after the failure wrote anything.
-    std::vector<std::vector<unsigned char>> before;
-    for (int id = 0; id < SIM_REC_COUNT; ++id)
-        before.push_back(record_bytes(sim_mpp_record_id(id)));
+    const std::vector<Bytes> before = platform_state();
 
     StdoutCapture capture;
     const int32_t result = run(row.profile);
@@ -168,8 +118,8 @@ TEST_P(ProfileFaultSweep, PrintsTheMessageReturnsMinusOneAndMakesNoLaterCall)
     EXPECT_EQ(result, -1);
     EXPECT_EQ(out, row.message);
     EXPECT_EQ(sim_host_log_count(), 0u) << "the profiles report on standard output only";
-    EXPECT_EQ(ProfileMode.load(), wanted_mode) << "stored first, not undone";
-    EXPECT_EQ(__atomic_load_n(&ispParamReflashMark, __ATOMIC_SEQ_CST), 1) << "stored first, not undone";
+    EXPECT_EQ(profile_mode(), wanted_mode) << "stored first, not undone";
+    EXPECT_EQ(reflash_mark(), 1) << "stored first, not undone";
 
     // The calls up to and including the failing one, and nothing later.
     const std::vector<std::string> path = full_path(row.profile);
@@ -179,7 +129,7 @@ TEST_P(ProfileFaultSweep, PrintsTheMessageReturnsMinusOneAndMakesNoLaterCall)
     ASSERT_LT(failing, path.size());
     EXPECT_EQ(platform_calls(), std::vector<std::string>(path.begin(), path.begin() + long(failing) + 1));
     ASSERT_EQ(sim_mpp_log_count(), failing + 1);
-    EXPECT_EQ(sim_mpp_log_at(failing)->result, code_for(row.call));
+    EXPECT_EQ(sim_mpp_log_at(failing)->result, failure_code_for(row.call));
 
     // Exactly the records of the sets before the failure changed: a failed get writes nothing, a failed
     // set leaves its record as it was, and no later step ran.
@@ -208,8 +158,7 @@ INSTANTIATE_TEST_SUITE_P(EveryCall, ProfileFaultSweep, ::testing::ValuesIn(kRows
 // The failure on a later call than the first: the same step fails on the second run only.
 TEST(ProfileFaultSweepAgain, ASecondRunThatFailsStopsAtTheSameStepAndTheFirstRunStandsForTheRest)
 {
-    sim_mpp_reset();
-    sim_host_reset();
+    reset_simulators();
     ASSERT_EQ(sim_mpp_fail("HI_MPI_ISP_SetDemosaicAttr", 2, 1, HI_ERR_ISP_NOT_INIT), 0);
     {
         StdoutCapture quiet;
@@ -225,15 +174,9 @@ TEST(ProfileFaultSweepAgain, ASecondRunThatFailsStopsAtTheSameStepAndTheFirstRun
 TEST(ProfileFaultSweepHost, NoSettingsRecordFailsBothProfilesBeforeAnyPlatformCall)
 {
     for (Profile p : {Profile::Day, Profile::Night}) {
-        sim_mpp_reset();
-        sim_host_reset();
+        reset_simulators();
         sim_host_sysinfo_null(1);
-        StdoutCapture capture;
-        EXPECT_EQ(run(p), -1);
-        EXPECT_EQ(capture.take(), "GetSysInfo failed is NULL\n");
-        EXPECT_EQ(sim_mpp_log_count(), 0u);
-        EXPECT_EQ(ProfileMode.load(), p == Profile::Day ? 0 : 1);
-        EXPECT_EQ(__atomic_load_n(&ispParamReflashMark, __ATOMIC_SEQ_CST), 1);
+        expect_refused_without_record(captured([p] { return run(p); }), p == Profile::Day ? 0 : 1);
     }
 }
 

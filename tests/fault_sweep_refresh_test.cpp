@@ -1,23 +1,13 @@
 // Parts 3.2, 3.3, 1.3, 1.4: every platform call of the refreshes, the dispatch and the baseline, failed.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstdint>
 #include <iterator>
 #include <string>
 #include <vector>
 
-#include "isptune_test.h"
-
-extern "C" {
-#include "isptune.h"
-}
-
-// src/core/core.h declares it `extern _Atomic int32_t ProfileMode;`, which C++17 cannot include; GCC lays
-// out std::atomic<int32_t> exactly as _Atomic int32_t (a lock-free 4-byte word).
-extern "C" std::atomic<int32_t> ProfileMode;
-static_assert(sizeof(std::atomic<int32_t>) == 4 && std::atomic<int32_t>::is_always_lock_free,
-              "std::atomic<int32_t> must match _Atomic int32_t");
+#include "call_test_support.h"
+#include "core_access.h"
 
 namespace {
 
@@ -33,16 +23,8 @@ struct FaultRow {
     bool host_log;       // the message goes to QV_SYSERROR (module 14), not to standard output
 };
 
-// Every run is at G = 24, L = 4 with all blocks on (u8BlcEnable 1, u8BlcLevel 1); the codes are
-// HI_ERR_ISP_NOT_INIT 0xa01c8040, HI_ERR_VPSS_BUSY 0xa0078012, HI_ERR_VI_BUSY 0xa0108012.
-HI_S32 code_for(const std::string &call)
-{
-    if (call.rfind("HI_MPI_VPSS_", 0) == 0)
-        return HI_ERR_VPSS_BUSY;
-    if (call.rfind("HI_MPI_VI_", 0) == 0)
-        return HI_ERR_VI_BUSY;
-    return HI_ERR_ISP_NOT_INIT;
-}
+// Every run is at G = 24, L = 4 with all blocks on (u8BlcEnable 1, u8BlcLevel 1); the codes are those of
+// failure_code_for (isptune_test.h).
 
 // Printed by the black-level step at G = 24 before any later failure (Parts 3.2 step 6, 3.3 step 7).
 #define DAY_BLACK_24                                                                                         \
@@ -201,20 +183,22 @@ int32_t call_function(Fn fn)
     return 99;
 }
 
+// The set-up of every run: the other gamma curve loaded, all blocks on, the dispatch's G = 24, L = 4, and
+// the profile of `fn`.
+void prepare(Fn fn)
+{
+    load_other_curve(fn);
+    reset_simulators();
+    sim_host_set_field(SYSINFO_u8BlcEnable, 1);
+    sim_host_set_field(SYSINFO_u8BlcLevel, 1);
+    sim_mpp_set_exposure(10000, 24 * 1024, 1024, 1024); // the dispatch's G = 24, L = 4
+    test_set_profile_mode(is_night(fn) ? 1 : 0);
+}
+
 class FaultSweep : public ::testing::TestWithParam<FaultRow> {
 protected:
-    void SetUp() override
-    {
-        const FaultRow &row = GetParam();
-        load_other_curve(row.fn);
-        sim_mpp_reset();
-        sim_host_reset();
-        sim_host_set_field(SYSINFO_u8BlcEnable, 1);
-        sim_host_set_field(SYSINFO_u8BlcLevel, 1);
-        sim_mpp_set_exposure(10000, 24 * 1024, 1024, 1024); // the dispatch's G = 24, L = 4
-        ProfileMode = is_night(row.fn) ? 1 : 0;
-    }
-    void TearDown() override { ProfileMode = 0; }
+    void SetUp() override { prepare(GetParam().fn); }
+    void TearDown() override { test_set_profile_mode(0); }
 };
 
 } // namespace
@@ -222,7 +206,7 @@ protected:
 TEST_P(FaultSweep, FailingCallPrintsItsMessageAndEndsTheFunction)
 {
     const FaultRow &row = GetParam();
-    const HI_S32 code = code_for(row.call);
+    const HI_S32 code = failure_code_for(row.call);
     ASSERT_EQ(sim_mpp_fail(row.call, row.nth, 1, code), 0);
 
     StdoutCapture capture;
@@ -239,11 +223,7 @@ TEST_P(FaultSweep, FailingCallPrintsItsMessageAndEndsTheFunction)
     EXPECT_EQ(result, dispatched ? 0 : -1);
     EXPECT_EQ(out, want_out);
     if (row.host_log) {
-        ASSERT_EQ(sim_host_log_count(), 1u);
-        const sim_host_log entry = sim_host_log_at(0);
-        EXPECT_EQ(entry.service, SIM_HOST_QV_SYSERROR);
-        EXPECT_EQ(entry.module, 14);
-        EXPECT_STREQ(entry.text, row.message);
+        ASSERT_NO_FATAL_FAILURE(expect_only_syserror_entry(row.message));
     } else {
         EXPECT_EQ(host_log_texts(), std::vector<std::string>{});
     }
@@ -268,18 +248,12 @@ namespace {
 
 std::vector<std::string> clean_path(Fn fn)
 {
-    load_other_curve(fn);
-    sim_mpp_reset();
-    sim_host_reset();
-    sim_host_set_field(SYSINFO_u8BlcEnable, 1);
-    sim_host_set_field(SYSINFO_u8BlcLevel, 1);
-    sim_mpp_set_exposure(10000, 24 * 1024, 1024, 1024);
-    ProfileMode = is_night(fn) ? 1 : 0;
+    prepare(fn);
     {
         StdoutCapture quiet;
         EXPECT_EQ(call_function(fn), 0) << fn_name(fn);
     }
-    ProfileMode = 0;
+    test_set_profile_mode(0);
     return platform_calls();
 }
 

@@ -14,7 +14,8 @@
 #include <thread>
 #include <vector>
 
-#include "isptune_test.h"
+#include "call_test_support.h"
+#include "core_access.h"
 #include "sysinfo_access.h"
 
 extern "C" {
@@ -23,7 +24,6 @@ extern "C" {
 }
 
 // Module state the setters keep (Parts 4.4 and 2.3), reset between runs so that two runs compare.
-extern "C" int32_t ProfileMode;
 extern "C" int32_t bSLDRCSaved;
 extern "C" ISP_DRC_ATTR_S stSLDRCAttr;
 
@@ -88,8 +88,8 @@ void host_preset()
 // The library-wide state a setter can leave behind, back to its load-time values.
 void reset_library_state()
 {
-    __atomic_store_n(&ProfileMode, 0, __ATOMIC_SEQ_CST);
-    __atomic_store_n(&ispParamReflashMark, 0, __ATOMIC_SEQ_CST);
+    test_set_profile_mode(0);
+    set_reflash_mark(0);
     bSLDRCSaved = 0;
     std::memset(&stSLDRCAttr, 0, sizeof stSLDRCAttr);
 }
@@ -129,7 +129,7 @@ Effects run(const std::function<int32_t()> &call)
     e.sysinfo.assign(sim_host_sysinfo(), sim_host_sysinfo() + SIM_HOST_SYSINFO_SIZE);
     const std::vector<std::string> texts = host_log_texts();
     e.host_log.assign(texts.begin() + long(std::min(host_log_first, texts.size())), texts.end());
-    e.reflash = __atomic_load_n(&ispParamReflashMark, __ATOMIC_SEQ_CST);
+    e.reflash = reflash_mark();
     // Put the host record back, so that the next run starts from the same one.
     std::memcpy(sim_host_sysinfo(), host.data(), host.size());
     return e;

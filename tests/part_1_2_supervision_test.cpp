@@ -1,6 +1,5 @@
 // Part 1.2: Supervision loop: one pass driven directly, and the thread QV_ISP_Proc on the stepping clock.
 #include <dlfcn.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <cstdio>
@@ -10,14 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "isptune.h"
-#include "isptune_test.h"
-
-// The library's `_Atomic int32_t ProfileMode` (src/core/core.h); written with the builtins the C11 atomics
-// compile to, as ISP_SetParamDay/Night would.
-extern "C" int32_t ProfileMode;
-// Part 1.2: one pass of the loop (src/core/core.h, C only); true when the loop should pause afterwards.
-extern "C" bool isp_supervision_pass(const SysInfo *info, ISP_EXP_INFO_S *exp);
+#include "service_test_support.h"
 
 namespace {
 
@@ -46,41 +38,8 @@ extern "C" SysInfo *GetSysInfo(void)
 
 namespace {
 
-constexpr const char *kMarker = "/tmp/FramerateAdjust";
 constexpr const char *kQuery = "HI_MPI_ISP_QueryExposureInfo";
 constexpr const char *kRefreshFailure = "func(QV_ISP_Proc ::238),QV_ISP_SetVarParam Failure\n";
-
-// vclock_wait_blocked with a short real-time limit: the supervision thread reaches its next clock call in
-// microseconds, so a test that waits longer than this is wrong and should fail fast, not hang.
-int reached(size_t call)
-{
-    return vclock_wait_blocked_for(call, 2000);
-}
-
-void set_profile(int32_t mode)
-{
-    __atomic_store_n(&ProfileMode, mode, __ATOMIC_SEQ_CST);
-}
-
-int32_t flag()
-{
-    return __atomic_load_n(&ispParamReflashMark, __ATOMIC_SEQ_CST);
-}
-
-void set_flag(int32_t value)
-{
-    __atomic_store_n(&ispParamReflashMark, value, __ATOMIC_SEQ_CST);
-}
-
-void set_status(int32_t value)
-{
-    __atomic_store_n(&gISPStatus, value, __ATOMIC_SEQ_CST);
-}
-
-bool marker_exists()
-{
-    return access(kMarker, F_OK) == 0;
-}
 
 void create_marker()
 {
@@ -93,11 +52,6 @@ void create_marker()
 void set_gains(HI_U32 again, HI_U32 dgain, HI_U32 ispdgain)
 {
     sim_mpp_set_exposure(10000, again, dgain, ispdgain);
-}
-
-unsigned queries()
-{
-    return sim_mpp_call_count(kQuery);
 }
 
 // Calls of QV_ISP_FramerateAdjust so far: it reads the public attribute once per call, nothing else does.
@@ -138,8 +92,8 @@ void reset_world()
     sim_mpp_reset();
     sim_host_reset();
     vclock_reset();
-    set_profile(0);
-    set_flag(0);
+    test_set_profile_mode(0);
+    set_reflash_mark(0);
     std::remove(kMarker);
     g_next_sysinfo = Hook::none;
     g_sysinfo_calls = 0;
@@ -180,11 +134,11 @@ protected:
     // A successful refresh through the flag: the last values now match the conditions, the counter is 0.
     void settle()
     {
-        set_flag(1);
+        set_reflash_mark(1);
         const Pass p = pass();
         ASSERT_TRUE(p.refreshed);
         ASSERT_TRUE(p.pause);
-        ASSERT_EQ(flag(), 0);
+        ASSERT_EQ(reflash_mark(), 0);
     }
 
     void quiet_passes(int n)
@@ -202,7 +156,7 @@ protected:
 TEST_F(Part_1_2_Pass, FirstPassAfterLoadRefreshesEvenWithoutTheFlag)
 {
     // Load-time last values -1, -1, 255: the first sample always differs (here in every respect).
-    ASSERT_EQ(flag(), 0);
+    ASSERT_EQ(reflash_mark(), 0);
     const Pass p = pass();
     EXPECT_TRUE(p.refreshed);
     EXPECT_TRUE(p.pause);
@@ -267,9 +221,9 @@ TEST_F(Part_1_2_Pass, IrCutChangeAloneRefreshes)
 TEST_F(Part_1_2_Pass, FlagAloneRefreshesAndIsClearedAfterSuccess)
 {
     settle();
-    set_flag(1);
+    set_reflash_mark(1);
     EXPECT_TRUE(pass().refreshed);
-    EXPECT_EQ(flag(), 0);
+    EXPECT_EQ(reflash_mark(), 0);
     EXPECT_FALSE(pass().refreshed);
 }
 
@@ -311,7 +265,7 @@ TEST_F(Part_1_2_Pass, LongQuietPeriodStillMakesOneAdjustment)
 
 TEST_F(Part_1_2_Pass, FramerateAdjustGetsThisPassSinglePrecisionGain)
 {
-    set_profile(1);
+    test_set_profile_mode(1);
     sim_host_run_commands(0);
     // (2^35 - 1) / 2^30 = 32 - 2^-30, which rounds to 32.0f: the night rate is lowered to 15.
     set_gains(279527, 122921, 1);
@@ -325,7 +279,7 @@ TEST_F(Part_1_2_Pass, FramerateAdjustGetsThisPassSinglePrecisionGain)
 
 TEST_F(Part_1_2_Pass, FramerateAdjustJustBelowThirtyTwoRestoresTheNormalRate)
 {
-    set_profile(1);
+    test_set_profile_mode(1);
     set_gains(32767, 1024, 1024); // 31.999: the hysteresis band, a rate of 30 becomes the normal 25
     settle();
     quiet_passes(120);
@@ -341,11 +295,7 @@ TEST_F(Part_1_2_Pass, FailingRefreshAfterGainChangeIsRetriedAtOnce)
     const Pass failed = pass();
     EXPECT_TRUE(failed.refreshed);
     EXPECT_FALSE(failed.pause) << "no pause after a failed refresh";
-    ASSERT_EQ(sim_host_log_count(), 1u);
-    const sim_host_log entry = sim_host_log_at(0);
-    EXPECT_EQ(entry.service, SIM_HOST_QV_SYSERROR);
-    EXPECT_EQ(entry.module, 14);
-    EXPECT_STREQ(entry.text, kRefreshFailure);
+    ASSERT_NO_FATAL_FAILURE(expect_only_syserror_entry(kRefreshFailure));
 
     const Pass retry = pass();
     EXPECT_TRUE(retry.refreshed) << "the gain change is still pending";
@@ -397,12 +347,12 @@ TEST_F(Part_1_2_Pass, FailingRefreshCausedOnlyByWatchedModeIsNotRetried)
 TEST_F(Part_1_2_Pass, FailingRefreshKeepsTheFlag)
 {
     settle();
-    set_flag(1);
+    set_reflash_mark(1);
     fail_next_refresh();
     EXPECT_FALSE(pass().pause);
-    EXPECT_EQ(flag(), 1);
+    EXPECT_EQ(reflash_mark(), 1);
     EXPECT_TRUE(pass().refreshed);
-    EXPECT_EQ(flag(), 0);
+    EXPECT_EQ(reflash_mark(), 0);
 }
 
 TEST_F(Part_1_2_Pass, RequestRaisedDuringARefreshSurvivesIt)
@@ -415,9 +365,9 @@ TEST_F(Part_1_2_Pass, RequestRaisedDuringARefreshSurvivesIt)
     const Pass p = pass();
     ASSERT_TRUE(p.refreshed);
     ASSERT_EQ(g_next_sysinfo.load(), Hook::none) << "the hook ran inside the refresh";
-    EXPECT_EQ(flag(), 1);
+    EXPECT_EQ(reflash_mark(), 1);
     EXPECT_TRUE(pass().refreshed);
-    EXPECT_EQ(flag(), 0);
+    EXPECT_EQ(reflash_mark(), 0);
     EXPECT_FALSE(pass().refreshed);
 }
 
@@ -429,9 +379,9 @@ TEST_F(Part_1_2_Pass, RequestRaisedDuringAFailedRefreshIsKept)
     const Pass failed = pass();
     ASSERT_TRUE(failed.refreshed);
     EXPECT_FALSE(failed.pause);
-    EXPECT_EQ(flag(), 1) << "the host's request is not lost";
+    EXPECT_EQ(reflash_mark(), 1) << "the host's request is not lost";
     EXPECT_TRUE(pass().refreshed);
-    EXPECT_EQ(flag(), 0);
+    EXPECT_EQ(reflash_mark(), 0);
 }
 
 TEST_F(Part_1_2_Pass, ExposureQueryFailureGoesOnWithThePreviousSample)
@@ -491,7 +441,7 @@ TEST_F(Part_1_2_Pass, WithoutARecordTheWatchedModeCountsAsUnchanged)
 {
     // docs/decisions.md: the pass function called without a record treats u8WatchedMode as unchanged and
     // never reads through null (QV_ISP_Proc itself ends instead, see the thread tests below).
-    set_flag(1);
+    set_reflash_mark(1);
     EXPECT_TRUE(pass(nullptr).refreshed);
     ASSERT_EQ(sim_host_set_field(SYSINFO_u8WatchedMode, 9), 0);
     EXPECT_FALSE(pass(nullptr).refreshed);
@@ -502,35 +452,9 @@ TEST_F(Part_1_2_Pass, WithoutARecordTheWatchedModeCountsAsUnchanged)
 
 // ---- the thread, on the stepping clock ------------------------------------------------------------------
 
-class Part_1_2_Thread : public ::testing::Test {
+class Part_1_2_Thread : public ServiceTest {
 protected:
     void SetUp() override { reset_world(); }
-    void TearDown() override
-    {
-        vclock_free_run(); // always before the join in QV_ISP_Stop
-        QV_ISP_Stop();
-        std::remove(kMarker);
-    }
-
-    // Starts the service with stepping on; the thread is then held in its start-up sleep(10), call 1.
-    void start_held()
-    {
-        vclock_step_mode(1);
-        granted_ = vclock_call_count();
-        ASSERT_EQ(QV_ISP_Start(), 0);
-        ASSERT_EQ(reached(granted_ + 1), 0) << "the thread never reached sleep(10)";
-    }
-
-    // Lets n clock calls through and waits until the thread is held in the next one. The first grant after
-    // start_held runs the start-up and the first pass; each further grant runs one more pass.
-    void step(size_t n = 1)
-    {
-        granted_ += n;
-        vclock_allow(n);
-        ASSERT_EQ(reached(granted_ + 1), 0) << "the thread did not come back to the clock";
-    }
-
-    size_t granted_ = 0;
 };
 
 TEST_F(Part_1_2_Thread, SleepsTenSecondsOnceThen33333MicrosecondsPerPass)
@@ -574,7 +498,7 @@ TEST_F(Part_1_2_Thread, FirstPassAlwaysRefreshes)
     start_held();
     step();
     EXPECT_EQ(queries(), 2u) << "the pass's query and the dispatch's";
-    EXPECT_EQ(flag(), 0);
+    EXPECT_EQ(reflash_mark(), 0);
     step();
     EXPECT_EQ(queries(), 3u) << "the second pass is quiet";
 }
@@ -621,7 +545,7 @@ TEST_F(Part_1_2_Thread, FramerateAdjustExactlyOnceOnThe120thQuietPass)
     EXPECT_EQ(adjustments(), 1u);
     step(300);
     EXPECT_EQ(adjustments(), 1u);
-    set_flag(1); // a refresh starts a new quiet period
+    set_reflash_mark(1); // a refresh starts a new quiet period
     step(121);
     EXPECT_EQ(adjustments(), 2u);
 }
@@ -664,7 +588,7 @@ TEST_F(Part_1_2_Thread, NoMarkerAtStartNothingReported)
 
 TEST_F(Part_1_2_Thread, MarkerLeftByAnAdjustmentIsDeletedByTheNextStart)
 {
-    set_profile(1);
+    test_set_profile_mode(1);
     set_gains(40960, 1024, 1024); // 40.0: the night rate goes to 15 and the marker is made
     start_held();
     step(121);
@@ -715,7 +639,7 @@ TEST_F(Part_1_2_Thread, NoRecordAtStartUpIsReportedAndTheThreadEndsAfterItsStart
     EXPECT_EQ(out.take(), "GetSysInfo failed is NULL\n") << "the baseline's own report";
     EXPECT_EQ(queries(), 0u) << "no pass";
     EXPECT_EQ(vclock_call_count(), 1u) << "no pause";
-    EXPECT_EQ(flag(), 1) << "start-up step 4 ran";
+    EXPECT_EQ(reflash_mark(), 1) << "start-up step 4 ran";
     EXPECT_FALSE(marker_exists()) << "start-up step 5 ran";
     const std::vector<sim_host_log> errors = log_entries_of(SIM_HOST_QV_SYSERROR);
     ASSERT_EQ(errors.size(), 1u);

@@ -1,40 +1,22 @@
 // Part 1.3: refresh dispatch (QV_ISP_SetVarParam): system gain and level, then the profile's refresh.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "isptune_test.h"
+#include "call_test_support.h"
+#include "core_access.h"
 
-extern "C" {
-#include "isptune.h"
-}
-
-// src/core/core.h declares it `extern _Atomic int32_t ProfileMode;`, which C++17 cannot include; GCC lays
-// out std::atomic<int32_t> exactly as _Atomic int32_t (a lock-free 4-byte word).
-extern "C" std::atomic<int32_t> ProfileMode;
-static_assert(sizeof(std::atomic<int32_t>) == 4 && std::atomic<int32_t>::is_always_lock_free,
-              "std::atomic<int32_t> must match _Atomic int32_t");
 
 namespace {
-
-using Calls = std::vector<std::string>;
 
 const std::string kDayDone = "--------------paramday-refresh-done--------------\n";
 const std::string kNightDone = "--------------paramnight-refresh-done--------------\n";
 
-struct Outcome {
-    int32_t result;
-    std::string out;
-};
-
 Outcome dispatch()
 {
-    StdoutCapture capture;
-    int32_t result = QV_ISP_SetVarParam();
-    return {result, capture.take()};
+    return captured(QV_ISP_SetVarParam);
 }
 
 // What a refresh's black-level step prints at G <= 54 with the table value v (Parts 3.2, 3.3).
@@ -48,20 +30,17 @@ std::string low_gain_black_lines(int32_t G, int v)
 
 NRS_PARAM_V2_S nrs_written()
 {
-    long i = last_call_of("HI_MPI_VPSS_SetGrpNRSParam");
-    EXPECT_GE(i, 0);
-    return i < 0 ? NRS_PARAM_V2_S{} : logged_record<VPSS_GRP_NRS_PARAM_S>(size_t(i)).stNRSParam_V2;
+    return written_by<VPSS_GRP_NRS_PARAM_S>("HI_MPI_VPSS_SetGrpNRSParam").stNRSParam_V2;
 }
 
-class Dispatch : public ::testing::Test {
+class Dispatch : public SimTest {
 protected:
     void SetUp() override
     {
-        sim_mpp_reset();
-        sim_host_reset();
-        ProfileMode = 0;
+        SimTest::SetUp();
+        test_set_profile_mode(0);
     }
-    void TearDown() override { ProfileMode = 0; }
+    void TearDown() override { test_set_profile_mode(0); }
 
     // The exposure the AE reports; the exposure time plays no part here.
     static void gains(HI_U32 again, HI_U32 dgain, HI_U32 ispdgain)
@@ -120,7 +99,7 @@ TEST_F(Dispatch, Gains4096x2048x1024GiveSystemGain8AndLevel3)
 
 TEST_F(Dispatch, ProfileMode1CallsOnlyTheNightRefresh)
 {
-    ProfileMode = 1;
+    test_set_profile_mode(1);
     gains(1024, 1024, 1024);
     Outcome run = dispatch();
     EXPECT_EQ(run.result, 0);
@@ -136,7 +115,7 @@ TEST_F(Dispatch, ProfileModeOtherThan0Or1CallsNeitherRefreshAndReturns0)
     gains(2048, 1024, 1024);
     for (int32_t mode : {2, -1, 100}) {
         sim_mpp_reset();
-        ProfileMode = mode;
+        test_set_profile_mode(mode);
         Outcome run = dispatch();
         EXPECT_EQ(run.result, 0) << mode;
         EXPECT_EQ(run.out, "") << mode;
@@ -160,7 +139,7 @@ TEST_F(Dispatch, NoSettingsRecordPrintsAndCallsNoRefresh)
     sim_host_sysinfo_null(1);
     for (int32_t mode : {0, 1}) {
         sim_mpp_reset();
-        ProfileMode = mode;
+        test_set_profile_mode(mode);
         Outcome run = dispatch();
         EXPECT_EQ(run.result, -1);
         EXPECT_EQ(run.out, "GetSysInfo failed is NULL\n");
@@ -208,7 +187,7 @@ TEST_F(Dispatch, LevelAbove10IsRefusedByTheRefreshAndNothingIsRefreshed)
     EXPECT_EQ(run.out, "ISP_SetParamDayRefresh: gain level 11 is outside 0..10, nothing refreshed\n" + kDayDone);
     EXPECT_EQ(platform_calls(), Calls{"HI_MPI_ISP_QueryExposureInfo"});
 
-    ProfileMode = 1;
+    test_set_profile_mode(1);
     run = dispatch();
     EXPECT_EQ(run.out,
               "ISP_SetParamNightRefresh: gain level 11 is outside 0..10, nothing refreshed\n" + kNightDone);

@@ -4,15 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "isptune_test.h"
+#include "call_test_support.h"
 
-extern "C" {
-#include "isptune.h"
-}
 
 namespace {
-
-using Calls = std::vector<std::string>;
 
 // Part 1.4, Interfaces: the calls in order, every block running.
 const Calls kFullPath = {
@@ -25,16 +20,9 @@ const Calls kFullPath = {
 // Step 4's line, with no line end.
 const std::string kDashes = "--------11111111111111111111111111112222222222-----------";
 
-struct Outcome {
-    int32_t result;
-    std::string out;
-};
-
 Outcome baseline()
 {
-    StdoutCapture capture;
-    int32_t result = QV_ISP_SetParam();
-    return {result, capture.take()};
+    return captured(QV_ISP_SetParam);
 }
 
 // Values the baseline changes are set apart from them first, so that every write shows.
@@ -118,14 +106,7 @@ template <typename T> testing::AssertionResult at_power_on(sim_mpp_record_id id)
     return holds(id, power_on_record<T>(id));
 }
 
-class Baseline : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        sim_mpp_reset();
-        sim_host_reset();
-    }
-};
+class Baseline : public SimTest {};
 
 } // namespace
 

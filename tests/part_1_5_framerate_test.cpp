@@ -1,6 +1,4 @@
 // Part 1.5: Low-light frame-rate adjustment: the decision table, the marker file, the failure table.
-#include <unistd.h>
-
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -9,29 +7,13 @@
 
 #include <gtest/gtest.h>
 
-#include "isptune.h"
-#include "isptune_test.h"
-
-// The library's `_Atomic int32_t ProfileMode` (src/core/core.h). C++17 has no _Atomic; the builtins below
-// are what the C11 atomics compile to, so the test writes it as ISP_SetParamDay/Night would.
-extern "C" int32_t ProfileMode;
+#include "service_test_support.h"
 
 namespace {
 
-constexpr const char *kMarker = "/tmp/FramerateAdjust";
 constexpr const char *kTouch = "touch /tmp/FramerateAdjust";
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInf = std::numeric_limits<float>::infinity();
-
-void set_profile(int32_t mode)
-{
-    __atomic_store_n(&ProfileMode, mode, __ATOMIC_SEQ_CST);
-}
-
-bool marker_exists()
-{
-    return access(kMarker, F_OK) == 0;
-}
 
 void set_marker(bool present)
 {
@@ -74,10 +56,8 @@ class Part_1_5_Framerate : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        sim_mpp_reset();
-        sim_host_reset();
-        vclock_reset();
-        set_profile(0);
+        reset_simulators_and_clock();
+        test_set_profile_mode(0);
         std::remove(kMarker);
     }
     void TearDown() override
@@ -89,7 +69,7 @@ protected:
     // Runs one row from the given marker state and checks every observable of Part 1.5.
     void check_row(const Row &row, bool marker_before)
     {
-        set_profile(row.profile);
+        test_set_profile_mode(row.profile);
         ASSERT_EQ(sim_host_set_field(SYSINFO_u8FlickerMode, row.flicker), 0);
         set_rate(row.rate);
         set_marker(marker_before);
@@ -273,7 +253,7 @@ TEST_F(Part_1_5_Framerate, OnlyTheFrameRateOfThePublicAttributeChanges)
     pub.f32FrameRate = 30.0f;
     pub.enBayer = BAYER_BGGR;
     sim_mpp_write(SIM_REC_PUB_ATTR, &pub);
-    set_profile(1);
+    test_set_profile_mode(1);
 
     ASSERT_EQ(QV_ISP_FramerateAdjust(40.0f), 0);
 
@@ -298,7 +278,7 @@ TEST_F(Part_1_5_Framerate, OnlyTheFrameRateOfThePublicAttributeChanges)
 
 TEST_F(Part_1_5_Framerate, LoweringAndRestoringFollowTheHysteresisBand)
 {
-    set_profile(1);
+    test_set_profile_mode(1);
     set_rate(30.0f);
     struct Step {
         float gain;
@@ -318,7 +298,7 @@ TEST_F(Part_1_5_Framerate, LoweringAndRestoringFollowTheHysteresisBand)
 
 TEST_F(Part_1_5_Framerate, ReadsTheFlickerModeAndProfileAtEachCall)
 {
-    set_profile(0);
+    test_set_profile_mode(0);
     ASSERT_EQ(sim_host_set_field(SYSINFO_u8FlickerMode, 0), 0);
     ASSERT_EQ(QV_ISP_FramerateAdjust(1.0f), 0);
     EXPECT_EQ(rate_now(), 30.0f);
@@ -328,7 +308,7 @@ TEST_F(Part_1_5_Framerate, ReadsTheFlickerModeAndProfileAtEachCall)
     ASSERT_EQ(sim_host_set_field(SYSINFO_u8FlickerMode, 255), 0);
     ASSERT_EQ(QV_ISP_FramerateAdjust(1.0f), 0);
     EXPECT_EQ(rate_now(), 30.0f);
-    set_profile(1);
+    test_set_profile_mode(1);
     ASSERT_EQ(QV_ISP_FramerateAdjust(50.0f), 0);
     EXPECT_EQ(rate_now(), 15.0f);
 }
@@ -348,7 +328,7 @@ class Part_1_5_Failure : public Part_1_5_Framerate, public ::testing::WithParamI
 
 TEST_P(Part_1_5_Failure, NoRecordLogsSyslogReturnsMinusOneAndLeavesMarker)
 {
-    set_profile(1);
+    test_set_profile_mode(1);
     set_rate(30.0f);
     set_marker(GetParam());
     sim_host_sysinfo_null(1);
@@ -363,7 +343,7 @@ TEST_P(Part_1_5_Failure, NoRecordLogsSyslogReturnsMinusOneAndLeavesMarker)
 
 TEST_P(Part_1_5_Failure, ReadFailureLogsSyserrorReturnsPlatformCodeAndLeavesMarker)
 {
-    set_profile(1);
+    test_set_profile_mode(1);
     set_rate(15.0f); // a keep at 15 would touch the marker, a set would delete it: neither may happen
     set_marker(GetParam());
     ASSERT_EQ(sim_mpp_fail("HI_MPI_ISP_GetPubAttr", 1, 1, HI_ERR_ISP_NOT_INIT), 0);
@@ -379,7 +359,7 @@ TEST_P(Part_1_5_Failure, ReadFailureLogsSyserrorReturnsPlatformCodeAndLeavesMark
 TEST_P(Part_1_5_Failure, WriteFailureLogsSyserrorReturnsPlatformCodeAndLeavesMarker)
 {
     // Marker present: a set to the normal rate would delete it; absent: a set to 15 would create it.
-    set_profile(1);
+    test_set_profile_mode(1);
     set_rate(GetParam() ? 15.0f : 30.0f);
     set_marker(GetParam());
     ASSERT_EQ(sim_mpp_fail("HI_MPI_ISP_SetPubAttr", 1, 1, HI_ERR_ISP_ILLEGAL_PARAM), 0);

@@ -8,44 +8,11 @@
 
 #include <gtest/gtest.h>
 
-#include "isptune.h"
-#include "isptune_test.h"
-
-// Part 1.2: one pass of the loop (src/core/core.h, C only); true when the loop should pause afterwards.
-extern "C" bool isp_supervision_pass(const SysInfo *info, ISP_EXP_INFO_S *exp);
+#include "service_test_support.h"
 
 namespace {
 
-constexpr const char *kMarker = "/tmp/FramerateAdjust";
-
-// vclock_wait_blocked with a short real-time limit: the supervision thread reaches its next clock call in
-// microseconds, so a test that waits longer than this is wrong and should fail fast, not hang.
-int reached(size_t call)
-{
-    return vclock_wait_blocked_for(call, 2000);
-}
-
-unsigned queries()
-{
-    return sim_mpp_call_count("HI_MPI_ISP_QueryExposureInfo");
-}
-
-class Part_1_6_HostServices : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        sim_mpp_reset();
-        sim_host_reset();
-        vclock_reset();
-        std::remove(kMarker);
-    }
-    void TearDown() override
-    {
-        vclock_free_run(); // always before the join in QV_ISP_Stop
-        QV_ISP_Stop();
-        std::remove(kMarker);
-    }
-};
+class Part_1_6_HostServices : public ServiceTest {};
 
 // ---- a GetSysInfo that returns null ----------------------------------------------------------------------
 
@@ -76,12 +43,7 @@ TEST_F(Part_1_6_HostServices, NullRecordMakesFramerateAdjustReturnMinusOneAfterI
     StdoutCapture out;
     EXPECT_EQ(QV_ISP_FramerateAdjust(40.0f), -1);
     EXPECT_EQ(out.take(), "");
-    ASSERT_EQ(sim_host_log_count(), 1u);
-    const sim_host_log entry = sim_host_log_at(0);
-    EXPECT_EQ(entry.service, SIM_HOST_QV_SYSLOG);
-    EXPECT_EQ(entry.level, 0);
-    EXPECT_EQ(entry.module, 14);
-    EXPECT_STREQ(entry.text, "GetSysconfigData failed is NULL\n");
+    ASSERT_NO_FATAL_FAILURE(expect_only_syslog_entry("GetSysconfigData failed is NULL\n"));
     EXPECT_TRUE(platform_calls().empty());
     EXPECT_EQ(sim_host_command_count(), 0u);
 }
@@ -110,7 +72,7 @@ TEST_F(Part_1_6_HostServices, WatchedModeChangeIsNoticedByTheNextPass)
     const SysInfo *info = reinterpret_cast<const SysInfo *>(sim_host_sysinfo());
     ISP_EXP_INFO_S exp;
     std::memset(&exp, 0, sizeof exp);
-    __atomic_store_n(&ispParamReflashMark, 1, __ATOMIC_SEQ_CST);
+    set_reflash_mark(1);
     isp_supervision_pass(info, &exp); // a refresh: the last values are now the current ones
     isp_supervision_pass(info, &exp);
     for (int value : {1, 2, 255, 0, 128}) {
@@ -149,7 +111,7 @@ TEST_F(Part_1_6_HostServices, OtherFieldsAreNotWatched)
     const SysInfo *info = reinterpret_cast<const SysInfo *>(sim_host_sysinfo());
     ISP_EXP_INFO_S exp;
     std::memset(&exp, 0, sizeof exp);
-    __atomic_store_n(&ispParamReflashMark, 1, __ATOMIC_SEQ_CST);
+    set_reflash_mark(1);
     isp_supervision_pass(info, &exp);
     for (size_t pos : {size_t(SYSINFO_u8WatchedMode) - 1, size_t(SYSINFO_u8WatchedMode) + 1,
                        size_t(SYSINFO_u8FlickerMode), size_t(SYSINFO_u8Shutter)}) {

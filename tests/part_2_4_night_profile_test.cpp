@@ -1,31 +1,15 @@
 // Part 2.4: night profile application (ISP_SetParamNight) over the night tables of Part 2.2.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string>
 #include <vector>
 
-#include "isptune_test.h"
-
-extern "C" {
-#include "isptune.h"
-#include "profiles/profiles.h"
-#include "refresh/refresh.h"
-}
-
-// src/core/core.h declares it `extern _Atomic int32_t ProfileMode;`, which C++17 cannot include; GCC lays
-// out std::atomic<int32_t> exactly as _Atomic int32_t (a lock-free 4-byte word).
-extern "C" std::atomic<int32_t> ProfileMode;
-static_assert(sizeof(std::atomic<int32_t>) == 4 && std::atomic<int32_t>::is_always_lock_free,
-              "std::atomic<int32_t> must match _Atomic int32_t");
+#include "profile_test_support.h"
 
 namespace {
-
-using Calls = std::vector<std::string>;
-using Bytes = std::vector<unsigned char>;
 
 // Part 2.4, Interfaces: the calls in order, at u8Sharpness 128 (colour matrix before sharpen, demosaic
 // before anti-false-colour, no VPSS call).
@@ -45,42 +29,6 @@ const Calls kNightCallsOther = {
     "HI_MPI_ISP_SetDemosaicAttr",       "HI_MPI_ISP_GetAntiFalseColorAttr", "HI_MPI_ISP_SetAntiFalseColorAttr",
     "HI_MPI_ISP_GetDPDynamicAttr",      "HI_MPI_ISP_SetDPDynamicAttr",
 };
-
-int32_t mode()
-{
-    return ProfileMode.load();
-}
-
-int32_t mark()
-{
-    return __atomic_load_n(&ispParamReflashMark, __ATOMIC_SEQ_CST);
-}
-
-struct Outcome {
-    int32_t result;
-    std::string out;
-};
-
-Outcome night()
-{
-    StdoutCapture capture;
-    int32_t result = ISP_SetParamNight();
-    return {result, capture.take()};
-}
-
-Outcome day()
-{
-    StdoutCapture capture;
-    int32_t result = ISP_SetParamDay();
-    return {result, capture.take()};
-}
-
-template <typename F, size_t N, typename T> void put12(F (&field)[N], const T *table)
-{
-    static_assert(N == 16, "the platform's automatic arrays have 16 entries");
-    for (size_t i = 0; i < 12; ++i)
-        field[i] = F(table[i]);
-}
 
 // gNightAEWeightTable as Part 2.2 describes it: 1 everywhere but these runs (columns inclusive).
 void night_weights(HI_U8 (&w)[15][17])
@@ -105,11 +53,7 @@ void night_weights(HI_U8 (&w)[15][17])
 ISP_EXPOSURE_ATTR_S expected_exposure(
     ISP_EXPOSURE_ATTR_S r = power_on_record<ISP_EXPOSURE_ATTR_S>(SIM_REC_EXPOSURE_ATTR))
 {
-    r.stAuto.stAGainRange.u32Max = 0x3E00;
-    r.stAuto.stDGainRange.u32Max = 0x400;
-    r.stAuto.stISPDGainRange.u32Max = 0x1000;
-    r.stAuto.stSysGainRange.u32Max = 0x40000;
-    r.stAuto.u32GainThreshold = 0x4000;
+    r = with_gain_ceilings(r);
     night_weights(r.stAuto.au8Weight);
     return r;
 }
@@ -117,11 +61,7 @@ ISP_EXPOSURE_ATTR_S expected_exposure(
 ISP_GAMMA_ATTR_S expected_gamma(
     ISP_GAMMA_ATTR_S r = power_on_record<ISP_GAMMA_ATTR_S>(SIM_REC_GAMMA_ATTR))
 {
-    r.bEnable = HI_TRUE;
-    r.enCurveType = ISP_GAMMA_CURVE_USER_DEFINE; // 2
-    for (int n = 0; n < 257; ++n)
-        r.u16Table[n] = HI_U16(g_gamma_table_night[n]);
-    return r;
+    return with_gamma(r, kNightTables);
 }
 
 ISP_SATURATION_ATTR_S expected_saturation(
@@ -146,32 +86,13 @@ ISP_COLORMATRIX_ATTR_S expected_colour_matrix(
 ISP_SHARPEN_ATTR_S expected_sharpen(
     ISP_SHARPEN_ATTR_S r = power_on_record<ISP_SHARPEN_ATTR_S>(SIM_REC_SHARPEN_ATTR))
 {
-    r.bEnable = HI_TRUE;
-    r.enOpType = OP_TYPE_AUTO;
-    put12(r.stAuto.au16SharpenUd, gNightSharpenUd);
-    put12(r.stAuto.au8SharpenD, gNightSharpenD);
-    put12(r.stAuto.au8TextureThr, gNightTextureThr);
-    put12(r.stAuto.au8SharpenEdge, gNightSharpenEdge);
-    put12(r.stAuto.au8EdgeThr, gNightEdgeThr);
-    put12(r.stAuto.au8OverShoot, gNightOverShoot);
-    put12(r.stAuto.au8UnderShoot, gNightUnderShoot);
-    put12(r.stAuto.au8shootSupStr, gNightshootSupStr);
-    put12(r.stAuto.au8DetailCtrl, gNightDetailCtrl);
-    return r;
+    return with_sharpen(r, kNightTables);
 }
 
 ISP_DEMOSAIC_ATTR_S expected_demosaic(
     ISP_DEMOSAIC_ATTR_S r = power_on_record<ISP_DEMOSAIC_ATTR_S>(SIM_REC_DEMOSAIC_ATTR))
 {
-    put12(r.stAuto.au16EdgeSmoothThr, gNightEdgeSmoothThr);
-    put12(r.stAuto.au16EdgeSmoothSlope, gNightEdgeSmoothSlope);
-    put12(r.stAuto.au16AntiAliasThr, gNightAntiAliasThr);
-    put12(r.stAuto.au16AntiAliasSlope, gNightAntiAliasSlope);
-    put12(r.stAuto.au16NrCoarseStr, gNightNrCoarseStr);
-    put12(r.stAuto.au8DetailEnhanceStr, gNightDetailEnhanceStr);
-    put12(r.stAuto.au16NoiseSuppressStr, gNightNoiseSuppressStr);
-    put12(r.stAuto.au16SharpenLumaStr, gNightSharpenLumaStr);
-    return r;
+    return with_demosaic(r, kNightTables);
 }
 
 ISP_ANTI_FALSECOLOR_S expected_anti_false_colour(
@@ -184,54 +105,10 @@ ISP_ANTI_FALSECOLOR_S expected_anti_false_colour(
 ISP_DP_DYNAMIC_ATTR_S expected_dp_dynamic(
     ISP_DP_DYNAMIC_ATTR_S r = power_on_record<ISP_DP_DYNAMIC_ATTR_S>(SIM_REC_DP_DYNAMIC_ATTR))
 {
-    r.bEnable = HI_TRUE;
-    r.enOpType = OP_TYPE_AUTO;
-    put12(r.stAuto.au16Strength, gNightStrength);
-    put12(r.stAuto.au16BlendRatio, gNightBlendRatio);
-    return r;
+    return with_dp_dynamic(r, kNightTables);
 }
 
 // ---- whole-platform comparisons --------------------------------------------------------------------------
-
-std::vector<Bytes> power_on_state()
-{
-    std::vector<Bytes> state(SIM_REC_COUNT);
-    for (int id = 0; id < SIM_REC_COUNT; ++id) {
-        state[size_t(id)].resize(sim_mpp_record_size(sim_mpp_record_id(id)));
-        sim_mpp_power_on_record(sim_mpp_record_id(id), state[size_t(id)].data());
-    }
-    return state;
-}
-
-std::vector<Bytes> platform_state()
-{
-    std::vector<Bytes> state(SIM_REC_COUNT);
-    for (int id = 0; id < SIM_REC_COUNT; ++id) {
-        state[size_t(id)].resize(sim_mpp_record_size(sim_mpp_record_id(id)));
-        sim_mpp_read(sim_mpp_record_id(id), state[size_t(id)].data());
-    }
-    return state;
-}
-
-template <typename T> void put(std::vector<Bytes> &state, sim_mpp_record_id id, const T &record)
-{
-    ASSERT_EQ(state[size_t(id)].size(), sizeof(T)) << sim_mpp_record_name(id);
-    std::memcpy(state[size_t(id)].data(), &record, sizeof(T));
-}
-
-template <typename T> T get(const std::vector<Bytes> &state, sim_mpp_record_id id)
-{
-    T record;
-    EXPECT_EQ(state[size_t(id)].size(), sizeof(T)) << sim_mpp_record_name(id);
-    std::memcpy(&record, state[size_t(id)].data(), sizeof(T));
-    return record;
-}
-
-// Record `id` of `state`, changed as `change` changes a record.
-template <typename T> void apply(std::vector<Bytes> &state, sim_mpp_record_id id, T (*change)(T))
-{
-    put(state, id, change(get<T>(state, id)));
-}
 
 // The platform `start` (by default the power-on one) after the night profile: the steps up to
 // `last_step` applied (4 exposure, 5 gamma, 6 saturation, 7 colour matrix, 8 sharpen at `sharpness` 128,
@@ -259,65 +136,20 @@ std::vector<Bytes> expected_state(int sharpness = 128, int last_step = 11,
     return s;
 }
 
-void expect_state(const std::vector<Bytes> &want)
-{
-    const std::vector<Bytes> got = platform_state();
-    for (int id = 0; id < SIM_REC_COUNT; ++id)
-        EXPECT_TRUE(same_bytes(got[size_t(id)].data(), want[size_t(id)].data(), want[size_t(id)].size()))
-            << sim_mpp_record_name(sim_mpp_record_id(id));
-}
-
-// Every record filled with pseudo-random bytes (a fixed LCG), written into the platform: any member the
-// profile writes without naming it then shows, whatever its power-on value happens to be.
-std::vector<Bytes> random_platform(uint32_t seed)
-{
-    std::vector<Bytes> state = power_on_state();
-    for (int id = 0; id < SIM_REC_COUNT; ++id) {
-        for (unsigned char &b : state[size_t(id)]) {
-            seed = seed * 1664525u + 1013904223u;
-            b = static_cast<unsigned char>(seed >> 24);
-        }
-        sim_mpp_write(sim_mpp_record_id(id), state[size_t(id)].data());
-    }
-    return state;
-}
-
-class NightProfile : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        sim_mpp_reset();
-        sim_host_reset();
-        // The opposite of what the profile stores, so that its two stores show.
-        ProfileMode.store(0);
-        __atomic_store_n(&ispParamReflashMark, 0, __ATOMIC_SEQ_CST);
-    }
-};
+class NightProfile : public ProfileTest<0> {};
 
 // ---- Edge cases worth testing ----------------------------------------------------------------------------
 
 TEST_F(NightProfile, GetSysInfoNullPrintsTheMessageMakesNoPlatformCallAndStillSetsModeAndMark)
 {
     sim_host_sysinfo_null(1);
-    const Outcome o = night();
-    EXPECT_EQ(o.result, -1);
-    EXPECT_EQ(o.out, "GetSysInfo failed is NULL\n");
-    EXPECT_EQ(sim_mpp_log_count(), 0u);
-    EXPECT_EQ(mode(), 1);
-    EXPECT_EQ(mark(), 1);
+    expect_refused_without_record(run_night_profile(), 1);
     expect_state(power_on_state());
 }
 
 TEST_F(NightProfile, Sharpness128WritesTheNightSharpenTablesAutomaticAndMakesNoVpssCall)
 {
-    ASSERT_EQ(sim_host_get_field(SYSINFO_u8Sharpness), 128); // the host's default
-    ASSERT_EQ(night().result, 0);
-    EXPECT_EQ(platform_calls(), kNightCalls128);
-    const ISP_SHARPEN_ATTR_S shp = platform_record<ISP_SHARPEN_ATTR_S>(SIM_REC_SHARPEN_ATTR);
-    EXPECT_EQ(shp.enOpType, OP_TYPE_AUTO);
-    EXPECT_EQ(shp.bEnable, HI_TRUE);
-    const ISP_SHARPEN_ATTR_S want = expected_sharpen();
-    EXPECT_TRUE(same_bytes(&shp, &want, sizeof shp));
+    ASSERT_NO_FATAL_FAILURE(expect_sharpen_tables_at_128(run_night_profile, kNightCalls128, expected_sharpen()));
     EXPECT_EQ(sim_mpp_call_count("HI_MPI_VPSS_GetGrpAttr"), 0u);
     EXPECT_EQ(sim_mpp_call_count("HI_MPI_VPSS_SetGrpAttr"), 0u);
 }
@@ -328,7 +160,7 @@ TEST_F(NightProfile, AnyOtherSharpnessMakesNoSharpenCallAndNoVpssCall)
         SCOPED_TRACE(sharpness);
         sim_mpp_reset();
         sim_host_set_field(SYSINFO_u8Sharpness, uint8_t(sharpness));
-        ASSERT_EQ(night().result, 0);
+        ASSERT_EQ(run_night_profile().result, 0);
         EXPECT_EQ(platform_calls(), kNightCallsOther);
         expect_state(expected_state(sharpness));
     }
@@ -336,7 +168,7 @@ TEST_F(NightProfile, AnyOtherSharpnessMakesNoSharpenCallAndNoVpssCall)
 
 TEST_F(NightProfile, AfterSuccessSaturationIsManualZero)
 {
-    ASSERT_EQ(night().result, 0);
+    ASSERT_EQ(run_night_profile().result, 0);
     const ISP_SATURATION_ATTR_S sat = platform_record<ISP_SATURATION_ATTR_S>(SIM_REC_SATURATION_ATTR);
     EXPECT_EQ(sat.enOpType, OP_TYPE_MANUAL);
     EXPECT_EQ(sat.stManual.u8Saturation, 0);
@@ -346,7 +178,7 @@ TEST_F(NightProfile, AfterSuccessSaturationIsManualZero)
 
 TEST_F(NightProfile, AfterSuccessTheColourMatrixIsManualWithTheRawDiagonalOneOneOne)
 {
-    ASSERT_EQ(night().result, 0);
+    ASSERT_EQ(run_night_profile().result, 0);
     const ISP_COLORMATRIX_ATTR_S ccm = platform_record<ISP_COLORMATRIX_ATTR_S>(SIM_REC_CCM_ATTR);
     EXPECT_EQ(ccm.enOpType, OP_TYPE_MANUAL);
     for (int i = 0; i < 9; ++i)
@@ -365,7 +197,7 @@ TEST_F(NightProfile, AfterSuccessAntiFalseColourIsDisabledWithItsOperationTypeAn
         seeded.stAuto.au8Strength[i] = HI_U8(200 + i);
     sim_mpp_write(SIM_REC_ANTI_FALSECOLOR, &seeded);
 
-    ASSERT_EQ(night().result, 0);
+    ASSERT_EQ(run_night_profile().result, 0);
     const ISP_ANTI_FALSECOLOR_S afc = platform_record<ISP_ANTI_FALSECOLOR_S>(SIM_REC_ANTI_FALSECOLOR);
     EXPECT_EQ(afc.bEnable, HI_FALSE);
     ISP_ANTI_FALSECOLOR_S want = seeded;
@@ -380,7 +212,7 @@ TEST_F(NightProfile, AfterSuccessDefectPixelCorrectionIsEnabledAndAutomatic)
     seeded.enOpType = OP_TYPE_MANUAL;
     sim_mpp_write(SIM_REC_DP_DYNAMIC_ATTR, &seeded);
 
-    ASSERT_EQ(night().result, 0);
+    ASSERT_EQ(run_night_profile().result, 0);
     const ISP_DP_DYNAMIC_ATTR_S dp = platform_record<ISP_DP_DYNAMIC_ATTR_S>(SIM_REC_DP_DYNAMIC_ATTR);
     EXPECT_EQ(dp.bEnable, HI_TRUE);
     EXPECT_EQ(dp.enOpType, OP_TYPE_AUTO);
@@ -391,13 +223,13 @@ TEST_F(NightProfile, AfterSuccessDefectPixelCorrectionIsEnabledAndAutomatic)
 TEST_F(NightProfile, NightThenColourProfileMakesSaturationMatrixAutomaticAndAntiFalseColourEnabledAgain)
 {
     // The colour profile alone, on a power-on platform: the reference (Part 2.3, its own tests).
-    ASSERT_EQ(day().result, 0);
+    ASSERT_EQ(run_day_profile().result, 0);
     const std::vector<Bytes> day_alone = platform_state();
 
     sim_mpp_reset();
-    ASSERT_EQ(night().result, 0);
-    ASSERT_EQ(day().result, 0);
-    EXPECT_EQ(mode(), 0);
+    ASSERT_EQ(run_night_profile().result, 0);
+    ASSERT_EQ(run_day_profile().result, 0);
+    EXPECT_EQ(profile_mode(), 0);
 
     const ISP_SATURATION_ATTR_S sat = platform_record<ISP_SATURATION_ATTR_S>(SIM_REC_SATURATION_ATTR);
     EXPECT_EQ(sat.enOpType, OP_TYPE_AUTO);
@@ -424,7 +256,7 @@ TEST_F(NightProfile, NightThenColourProfileMakesSaturationMatrixAutomaticAndAnti
 TEST_F(NightProfile, DemosaicGetFailureLeavesEarlierStepsAppliedAndLaterAttributesUntouched)
 {
     sim_mpp_fail("HI_MPI_ISP_GetDemosaicAttr", 1, 1, HI_ERR_ISP_NOT_INIT);
-    const Outcome o = night();
+    const Outcome o = run_night_profile();
     EXPECT_EQ(o.result, -1);
     EXPECT_EQ(o.out, "HI_MPI_ISP_GetDemosaicAttr ISP_SetParamNight 1296 failed 0xa01c8040 !!!\n");
     // Exposure, gamma, saturation, colour matrix and sharpen applied; the rest as at power-on.
@@ -436,7 +268,7 @@ TEST_F(NightProfile, DemosaicGetFailureAt127LeavesSharpenUntouchedToo)
 {
     sim_host_set_field(SYSINFO_u8Sharpness, 127);
     sim_mpp_fail("HI_MPI_ISP_GetDemosaicAttr", 1, 1, HI_ERR_ISP_NOT_INIT);
-    EXPECT_EQ(night().result, -1);
+    EXPECT_EQ(run_night_profile().result, -1);
     expect_state(expected_state(127, 8));
 }
 
@@ -444,69 +276,41 @@ TEST_F(NightProfile, DemosaicGetFailureAt127LeavesSharpenUntouchedToo)
 
 TEST_F(NightProfile, EveryByteOfEveryRecordAt128IsThePowerOnRecordPlusTheNamedMembers)
 {
-    const Outcome o = night();
-    EXPECT_EQ(o.result, 0);
-    EXPECT_EQ(o.out, "") << "success prints nothing";
-    EXPECT_EQ(sim_host_log_count(), 0u);
+    expect_silent_success(run_night_profile());
     expect_state(expected_state(128));
 }
 
 TEST_F(NightProfile, TheSetCallsWriteTheExpectedRecords)
 {
-    ASSERT_EQ(night().result, 0);
+    ASSERT_EQ(run_night_profile().result, 0);
     const std::vector<Bytes> want = expected_state(128);
-    const struct {
-        const char *set;
-        sim_mpp_record_id id;
-    } sets[] = {
-        {"HI_MPI_ISP_SetExposureAttr", SIM_REC_EXPOSURE_ATTR},
-        {"HI_MPI_ISP_SetGammaAttr", SIM_REC_GAMMA_ATTR},
-        {"HI_MPI_ISP_SetSaturationAttr", SIM_REC_SATURATION_ATTR},
-        {"HI_MPI_ISP_SetCCMAttr", SIM_REC_CCM_ATTR},
-        {"HI_MPI_ISP_SetSharpenAttr", SIM_REC_SHARPEN_ATTR},
-        {"HI_MPI_ISP_SetDemosaicAttr", SIM_REC_DEMOSAIC_ATTR},
-        {"HI_MPI_ISP_SetAntiFalseColorAttr", SIM_REC_ANTI_FALSECOLOR},
-        {"HI_MPI_ISP_SetDPDynamicAttr", SIM_REC_DP_DYNAMIC_ATTR},
-    };
-    for (const auto &s : sets) {
-        const long i = last_call_of(s.set);
-        ASSERT_GE(i, 0) << s.set;
-        const sim_mpp_call *call = sim_mpp_log_at(size_t(i));
-        ASSERT_EQ(call->size, want[s.id].size()) << s.set;
-        EXPECT_TRUE(same_bytes(call->record, want[s.id].data(), call->size)) << s.set;
-    }
+    expect_set_calls_wrote(want, {"HI_MPI_ISP_SetExposureAttr", "HI_MPI_ISP_SetGammaAttr",
+                                  "HI_MPI_ISP_SetSaturationAttr", "HI_MPI_ISP_SetCCMAttr",
+                                  "HI_MPI_ISP_SetSharpenAttr", "HI_MPI_ISP_SetDemosaicAttr",
+                                  "HI_MPI_ISP_SetAntiFalseColorAttr", "HI_MPI_ISP_SetDPDynamicAttr"});
 }
 
 TEST_F(NightProfile, EveryCallAddressesIspDeviceZero)
 {
-    ASSERT_EQ(night().result, 0);
-    ASSERT_EQ(sim_mpp_log_count(), kNightCalls128.size());
-    for (size_t i = 0; i < sim_mpp_log_count(); ++i) {
-        EXPECT_EQ(sim_mpp_log_at(i)->dev, 0) << sim_mpp_log_at(i)->function;
-        EXPECT_EQ(sim_mpp_log_at(i)->result, HI_SUCCESS) << sim_mpp_log_at(i)->function;
-    }
+    ASSERT_EQ(run_night_profile().result, 0);
+    expect_calls_on_device_zero(kNightCalls128.size());
 }
 
 TEST_F(NightProfile, SuccessLeavesProfileModeOneAndTheRefreshRequestRaised)
 {
-    EXPECT_EQ(night().result, 0);
-    EXPECT_EQ(mode(), 1);
-    EXPECT_EQ(mark(), 1);
+    EXPECT_EQ(run_night_profile().result, 0);
+    EXPECT_EQ(profile_mode(), 1);
+    EXPECT_EQ(reflash_mark(), 1);
 }
 
 TEST_F(NightProfile, CallingTwiceGivesTheSamePlatformStateAsCallingOnce)
 {
-    ASSERT_EQ(night().result, 0);
-    const std::vector<Bytes> once = platform_state();
-    ASSERT_EQ(night().result, 0);
-    const std::vector<Bytes> twice = platform_state();
-    for (int id = 0; id < SIM_REC_COUNT; ++id)
-        EXPECT_EQ(once[size_t(id)], twice[size_t(id)]) << sim_mpp_record_name(sim_mpp_record_id(id));
+    ASSERT_NO_FATAL_FAILURE(expect_second_run_changes_nothing(run_night_profile));
 }
 
 TEST_F(NightProfile, TheAeWeightGridSumsTo545AndCeilingsEqualTheExportedScalars)
 {
-    ASSERT_EQ(night().result, 0);
+    ASSERT_EQ(run_night_profile().result, 0);
     const ISP_EXPOSURE_ATTR_S exp = platform_record<ISP_EXPOSURE_ATTR_S>(SIM_REC_EXPOSURE_ATTR);
     int sum = 0;
     for (const auto &row : exp.stAuto.au8Weight)
@@ -524,7 +328,7 @@ TEST_F(NightProfile, TheAeWeightGridSumsTo545AndCeilingsEqualTheExportedScalars)
 
 TEST_F(NightProfile, TheGammaCurveIsTheNightCurveWithTheNodesPart22Lists)
 {
-    ASSERT_EQ(night().result, 0);
+    ASSERT_EQ(run_night_profile().result, 0);
     const ISP_GAMMA_ATTR_S g = platform_record<ISP_GAMMA_ATTR_S>(SIM_REC_GAMMA_ATTR);
     EXPECT_EQ(g.bEnable, HI_TRUE);
     EXPECT_EQ(g.enCurveType, ISP_GAMMA_CURVE_USER_DEFINE);
@@ -539,7 +343,7 @@ TEST_F(NightProfile, TheGammaCurveIsTheNightCurveWithTheNodesPart22Lists)
 
 TEST_F(NightProfile, EntriesTwelveToFifteenOfEveryAutomaticArrayKeepTheirPlatformValues)
 {
-    ASSERT_EQ(night().result, 0);
+    ASSERT_EQ(run_night_profile().result, 0);
     const ISP_SHARPEN_ATTR_S shp = platform_record<ISP_SHARPEN_ATTR_S>(SIM_REC_SHARPEN_ATTR);
     const ISP_SHARPEN_ATTR_S shp0 = power_on_record<ISP_SHARPEN_ATTR_S>(SIM_REC_SHARPEN_ATTR);
     for (int i = 12; i < 16; ++i) {
@@ -554,52 +358,30 @@ TEST_F(NightProfile, EntriesTwelveToFifteenOfEveryAutomaticArrayKeepTheirPlatfor
 
 TEST_F(NightProfile, FromRandomRecordsOnlyTheNamedMembersChange)
 {
-    for (int sharpness : {128, 127}) {
-        SCOPED_TRACE(sharpness);
-        sim_host_set_field(SYSINFO_u8Sharpness, uint8_t(sharpness));
-        const std::vector<Bytes> start = random_platform(uint32_t(sharpness));
-        ASSERT_EQ(night().result, 0);
-        expect_state(expected_state(sharpness, 11, start));
-    }
+    expect_only_named_members_change(run_night_profile, expected_state);
 }
 
 TEST_F(NightProfile, OnlyU8SharpnessOfTheSettingsRecordIsRead)
 {
-    std::memset(sim_host_sysinfo(), 0x5A, SIM_HOST_SYSINFO_SIZE);
-    sim_host_set_field(SYSINFO_u8Sharpness, 128);
-    ASSERT_EQ(night().result, 0);
-    EXPECT_EQ(platform_calls(), kNightCalls128);
-    expect_state(expected_state(128));
+    expect_only_sharpness_read(run_night_profile, expected_state, 0x5A, kNightCalls128);
 }
 
 TEST_F(NightProfile, AFailedSetLeavesThatAttributeAsItWasAndStopsThere)
 {
     sim_mpp_fail("HI_MPI_ISP_SetCCMAttr", 1, 1, HI_ERR_ISP_NOT_INIT);
-    const Outcome o = night();
+    const Outcome o = run_night_profile();
     EXPECT_EQ(o.result, -1);
     EXPECT_EQ(o.out, "HI_MPI_ISP_SetCCMAttr ISP_SetParamNight 1205 failed 0xa01c8040 !!!\n");
     expect_state(expected_state(128, 6));
-    EXPECT_EQ(mode(), 1);
-    EXPECT_EQ(mark(), 1);
+    EXPECT_EQ(profile_mode(), 1);
+    EXPECT_EQ(reflash_mark(), 1);
 }
 
 // State and lifecycle: the profile does not touch the night refresh's gamma mark (Part 3.3).
 TEST_F(NightProfile, DoesNotTouchTheNightRefreshGammaMark)
 {
-    {
-        StdoutCapture quiet; // the refresh prints its black levels
-        ASSERT_EQ(ISP_SetParamNightRefresh(40, 5), 0); // high-gain curve, mark 1
-    }
-    ASSERT_EQ(night().result, 0); // loads g_gamma_table_night
-    const unsigned gamma_sets = sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr");
-    {
-        StdoutCapture quiet;
-        ASSERT_EQ(ISP_SetParamNightRefresh(50, 5), 0); // same band: the mark still says high-gain
-    }
-    EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr"), gamma_sets);
-    const ISP_GAMMA_ATTR_S g = platform_record<ISP_GAMMA_ATTR_S>(SIM_REC_GAMMA_ATTR);
-    const ISP_GAMMA_ATTR_S want = expected_gamma();
-    EXPECT_TRUE(same_bytes(&g, &want, sizeof g)) << "the profile's curve stays";
+    // The night refresh at G = 40, then at G = 50 (same band); the profile loads g_gamma_table_night between.
+    expect_refresh_gamma_mark_untouched(run_night_profile, ISP_SetParamNightRefresh, 40, 50, expected_gamma());
 }
 
 } // namespace

@@ -8,10 +8,7 @@
 #include <iterator>
 #include <type_traits>
 
-extern "C" {
-#include "refresh/refresh.h"
-#include "sim_mpp.h"
-}
+#include "refresh_test_support.h"
 
 namespace {
 
@@ -167,31 +164,7 @@ TEST(DayRefreshTables, DayRefreshAtG1WritesTheLevel0Values)
 TEST(DayRefreshTables, DayRefreshAtG1WritesTheLevel0ValuesIntoTheRecord)
 {
     VPSS_GRP_NRS_PARAM_S rec = day_record_at(1, 0, 0);
-    const NRS_PARAM_V2_S &p = rec.stNRSParam_V2;
-    EXPECT_EQ(p.SBS0, 190);
-    EXPECT_EQ(p.SDS0, 190);
-    EXPECT_EQ(p.SBS1, 40);
-    EXPECT_EQ(p.SDS2, 40);
-    EXPECT_EQ(p.SBS2, 120);
-    EXPECT_EQ(p.SDS1, 120);
-    EXPECT_EQ(p.STH0, 110);
-    EXPECT_EQ(p.STH1, 110);
-    EXPECT_EQ(p.STH2, 110);
-    EXPECT_EQ(p.STH3, 110);
-    EXPECT_EQ(p.MDP, 2);
-    EXPECT_EQ(p.Pro3, 1);
-    EXPECT_EQ(p.MDDZ1, 32);
-    EXPECT_EQ(p.MDDZ2, 32);
-    EXPECT_EQ(p.TFS1, 8);
-    EXPECT_EQ(p.TFS2, 8);
-    EXPECT_EQ(p.SFC, 16);
-    EXPECT_EQ(p.TFC, 10);
-    EXPECT_EQ(p.TPC, 10);
-    EXPECT_EQ(p.TRC, 16);
-    EXPECT_EQ(p.SBS3, 50);
-    EXPECT_EQ(p.SDS3, 50);
-    EXPECT_EQ(p.MATH1, 122);
-    EXPECT_EQ(p.MATH2, 122);
+    expect_day_level0_values(rec.stNRSParam_V2);
 }
 
 TEST(DayRefreshTables, DayRefreshAtG48WritesSfc222AndTrc137)

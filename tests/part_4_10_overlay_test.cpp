@@ -225,11 +225,7 @@ TEST_F(OverlayTest, PublicAttributeReadFailingReturnsItsOwnCodeNotMinusOneAndWri
     EXPECT_NE(o.result, -1);
     EXPECT_EQ(o.out, "");
     expect_untouched(o);
-    ASSERT_EQ(sim_host_log_count(), 1u);
-    struct sim_host_log entry = sim_host_log_at(0);
-    EXPECT_EQ(entry.service, SIM_HOST_QV_SYSERROR);
-    EXPECT_EQ(entry.module, 14);
-    EXPECT_STREQ(entry.text, "HI_MPI_ISP_GetPubAttr failue!!!\n");
+    ASSERT_NO_FATAL_FAILURE(expect_only_syserror_entry("HI_MPI_ISP_GetPubAttr failue!!!\n"));
     EXPECT_EQ(platform_calls(), Calls{"HI_MPI_ISP_GetPubAttr"});
     EXPECT_EQ(sim_host_pmc_calls(), 0u);
 }

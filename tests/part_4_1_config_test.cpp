@@ -5,23 +5,12 @@
 #include <cstring>
 #include <string>
 
-#include "isptune_test.h"
+#include "call_test_support.h"
 
-extern "C" {
-#include "isptune.h"
-}
 
 namespace {
 
-class Config : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        sim_mpp_reset();
-        sim_host_reset();
-        vclock_reset();
-    }
-};
+class Config : public SimClockTest {};
 
 // Sets every host field the record is filled from to a value of its own.
 void set_distinct_host_fields()
@@ -270,12 +259,7 @@ TEST_F(Config, NoHostRecordLogsAndReturnsTheClearedRecord)
     IspConfig zero;
     std::memset(&zero, 0, sizeof zero);
     EXPECT_TRUE(same_bytes(&c, &zero, sizeof c));
-    ASSERT_EQ(sim_host_log_count(), 1u);
-    struct sim_host_log entry = sim_host_log_at(0);
-    EXPECT_EQ(entry.service, SIM_HOST_QV_SYSLOG);
-    EXPECT_EQ(entry.level, 0);
-    EXPECT_EQ(entry.module, 14);
-    EXPECT_STREQ(entry.text, "GetSysInfo failed\n");
+    expect_only_syslog_entry("GetSysInfo failed\n");
 }
 
 TEST_F(Config, NullRecordIsRefusedWithAMessage)

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "isptune_test.h"
+#include "call_test_support.h"
 
 extern "C" {
 #include "attributes/attributes.h"
@@ -14,23 +14,7 @@ extern "C" {
 
 namespace {
 
-using Calls = std::vector<std::string>;
-
 const Calls kReadWrite = {"HI_MPI_ISP_GetExposureAttr", "HI_MPI_ISP_SetExposureAttr"};
-
-// Stores a raw word into an enum field: values outside the enumerators (which the library stores
-// unchecked, as the Part says) must not pass through a C++ enum conversion or load.
-template <typename E> void set_raw(E &field, uint32_t value)
-{
-    static_assert(sizeof(E) == sizeof value, "32-bit enum field");
-    std::memcpy(&field, &value, sizeof value);
-}
-template <typename E> uint32_t raw(const E &field)
-{
-    uint32_t value;
-    std::memcpy(&value, &field, sizeof value);
-    return value;
-}
 
 // Part 1.4's calls when every block of the baseline runs.
 const Calls kBaseline = {
@@ -40,44 +24,24 @@ const Calls kBaseline = {
     "HI_MPI_VI_SetDCIParam",        "HI_MPI_ISP_GetBlackLevelAttr", "HI_MPI_ISP_SetBlackLevelAttr",
 };
 
-class Exposure : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        sim_mpp_reset();
-        sim_host_reset();
-        vclock_reset();
-    }
-};
-
-struct Outcome {
-    int32_t result;
-    std::string out;
-};
-
-template <typename F> Outcome run(F f)
-{
-    StdoutCapture capture;
-    int32_t result = f();
-    return {result, capture.take()};
-}
+class Exposure : public SimClockTest {};
 
 Outcome set_exposure(uint32_t mode, uint32_t gain, uint32_t shutter)
 {
     IspExposureCfg cfg = {mode, gain, shutter};
-    return run([&] { return QV_ISP_SetExposureAttr(&cfg); });
+    return captured([&] { return QV_ISP_SetExposureAttr(&cfg); });
 }
 
 Outcome set_flicker(uint8_t mode)
 {
     IspFlickerCfg cfg = {mode};
-    return run([&] { return QV_ISP_SetFlickerAttr(&cfg); });
+    return captured([&] { return QV_ISP_SetFlickerAttr(&cfg); });
 }
 
 Outcome set_blc(uint8_t enable, uint8_t level)
 {
     IspBlcCfg cfg = {enable, level};
-    return run([&] { return QV_ISP_SetBLCAttr(&cfg); });
+    return captured([&] { return QV_ISP_SetBLCAttr(&cfg); });
 }
 
 ISP_EXPOSURE_ATTR_S power_on_exposure() { return power_on_record<ISP_EXPOSURE_ATTR_S>(SIM_REC_EXPOSURE_ATTR); }
@@ -86,10 +50,7 @@ ISP_EXPOSURE_ATTR_S power_on_exposure() { return power_on_record<ISP_EXPOSURE_AT
 ISP_EXPOSURE_ATTR_S written_exposure()
 {
     EXPECT_EQ(platform_calls(), kReadWrite);
-    ISP_EXPOSURE_ATTR_S written = logged_record<ISP_EXPOSURE_ATTR_S>(1);
-    ISP_EXPOSURE_ATTR_S now = platform_record<ISP_EXPOSURE_ATTR_S>(SIM_REC_EXPOSURE_ATTR);
-    EXPECT_TRUE(same_bytes(&written, &now, sizeof now));
-    return written;
+    return written_record<ISP_EXPOSURE_ATTR_S>(SIM_REC_EXPOSURE_ATTR);
 }
 
 // Part 4.2 step 5: the manual fields of mode 1.
@@ -247,10 +208,8 @@ TEST_F(Exposure, ManualGainAbove255IsRefusedWithoutPlatformCall)
 
 TEST_F(Exposure, NullExposureGroupIsRefused)
 {
-    Outcome o = run([] { return QV_ISP_SetExposureAttr(nullptr); });
-    EXPECT_EQ(o.result, -1);
-    EXPECT_EQ(o.out, "QV_ISP_SetExposureAttr: argument is NULL, nothing done\n");
-    EXPECT_TRUE(platform_calls().empty());
+    expect_null_refused(captured([] { return QV_ISP_SetExposureAttr(nullptr); }),
+                        "QV_ISP_SetExposureAttr: argument is NULL, nothing done\n");
 }
 
 // ---- QV_ISP_SetFlickerAttr -------------------------------------------------------------------------------
@@ -316,10 +275,8 @@ TEST_F(Exposure, FlickerModeThreeEnabledFrequencyAsRead)
 
 TEST_F(Exposure, NullFlickerGroupIsRefused)
 {
-    Outcome o = run([] { return QV_ISP_SetFlickerAttr(nullptr); });
-    EXPECT_EQ(o.result, -1);
-    EXPECT_EQ(o.out, "QV_ISP_SetFlickerAttr: argument is NULL, nothing done\n");
-    EXPECT_TRUE(platform_calls().empty());
+    expect_null_refused(captured([] { return QV_ISP_SetFlickerAttr(nullptr); }),
+                        "QV_ISP_SetFlickerAttr: argument is NULL, nothing done\n");
 }
 
 // ---- QV_ISP_SetBLCAttr -----------------------------------------------------------------------------------
@@ -398,24 +355,13 @@ TEST_F(Exposure, StrongLightInhibitionOnBacklightSetterWritesBackUnchanged)
 TEST_F(Exposure, BacklightWithoutHostRecordLogsAndReturnsMinusOneWithoutPlatformCall)
 {
     sim_host_sysinfo_null(1);
-    Outcome o = set_blc(1, 1);
-    EXPECT_EQ(o.result, -1);
-    EXPECT_EQ(o.out, "");
-    EXPECT_TRUE(platform_calls().empty());
-    ASSERT_EQ(sim_host_log_count(), 1u);
-    struct sim_host_log entry = sim_host_log_at(0);
-    EXPECT_EQ(entry.service, SIM_HOST_QV_SYSLOG);
-    EXPECT_EQ(entry.level, 0);
-    EXPECT_EQ(entry.module, 14);
-    EXPECT_STREQ(entry.text, "GetSysInfo failed\n");
+    expect_refused_without_host_record(set_blc(1, 1));
 }
 
 TEST_F(Exposure, NullBacklightGroupIsRefused)
 {
-    Outcome o = run([] { return QV_ISP_SetBLCAttr(nullptr); });
-    EXPECT_EQ(o.result, -1);
-    EXPECT_EQ(o.out, "QV_ISP_SetBLCAttr: argument is NULL, nothing done\n");
-    EXPECT_TRUE(platform_calls().empty());
+    expect_null_refused(captured([] { return QV_ISP_SetBLCAttr(nullptr); }),
+                        "QV_ISP_SetBLCAttr: argument is NULL, nothing done\n");
     EXPECT_EQ(sim_host_log_count(), 0u);
 }
 
@@ -437,7 +383,7 @@ TEST_F(Exposure, ExposureInfoCopiesTheEightValuesAndLeavesBytes25To31)
 
     IspExposureInfo info;
     std::memset(&info, 0xEE, sizeof info);
-    Outcome o = run([&] { return QV_ISP_GetExposureInfo(&info); });
+    Outcome o = captured([&] { return QV_ISP_GetExposureInfo(&info); });
     EXPECT_EQ(o.result, 0);
     EXPECT_EQ(o.out, "");
     EXPECT_EQ(platform_calls(), Calls{"HI_MPI_ISP_QueryExposureInfo"});
@@ -472,7 +418,7 @@ TEST_F(Exposure, ExposureInfoQueryFailureMinusOneAndHostRecordUnchanged)
     IspExposureInfo info, before;
     std::memset(&info, 0x77, sizeof info);
     before = info;
-    Outcome o = run([&] { return QV_ISP_GetExposureInfo(&info); });
+    Outcome o = captured([&] { return QV_ISP_GetExposureInfo(&info); });
     EXPECT_EQ(o.result, -1);
     EXPECT_EQ(o.out, "HI_MPI_ISP_QueryExposureInfo failed with 0xa01c8040\n");
     EXPECT_TRUE(same_bytes(&info, &before, sizeof info));
@@ -480,10 +426,8 @@ TEST_F(Exposure, ExposureInfoQueryFailureMinusOneAndHostRecordUnchanged)
 
 TEST_F(Exposure, NullExposureInfoRecordIsRefused)
 {
-    Outcome o = run([] { return QV_ISP_GetExposureInfo(nullptr); });
-    EXPECT_EQ(o.result, -1);
-    EXPECT_EQ(o.out, "QV_ISP_GetExposureInfo: argument is NULL, nothing done\n");
-    EXPECT_TRUE(platform_calls().empty());
+    expect_null_refused(captured([] { return QV_ISP_GetExposureInfo(nullptr); }),
+                        "QV_ISP_GetExposureInfo: argument is NULL, nothing done\n");
 }
 
 // ---- no reflash request ----------------------------------------------------------------------------------

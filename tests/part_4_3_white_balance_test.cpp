@@ -6,52 +6,19 @@
 #include <string>
 #include <vector>
 
-#include "isptune_test.h"
+#include "call_test_support.h"
 
-extern "C" {
-#include "isptune.h"
-}
 
 namespace {
 
-using Calls = std::vector<std::string>;
 const Calls kReadWrite = {"HI_MPI_ISP_GetWBAttr", "HI_MPI_ISP_SetWBAttr"};
 
-// Stores a raw word into an enum field: values outside the enumerators (which the library stores
-// unchecked, as the Part says) must not pass through a C++ enum conversion or load.
-template <typename E> void set_raw(E &field, uint32_t value)
-{
-    static_assert(sizeof(E) == sizeof value, "32-bit enum field");
-    std::memcpy(&field, &value, sizeof value);
-}
-template <typename E> uint32_t raw(const E &field)
-{
-    uint32_t value;
-    std::memcpy(&value, &field, sizeof value);
-    return value;
-}
-
-class WhiteBalance : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        sim_mpp_reset();
-        sim_host_reset();
-        vclock_reset();
-    }
-};
-
-struct Outcome {
-    int32_t result;
-    std::string out;
-};
+class WhiteBalance : public SimClockTest {};
 
 Outcome set_wb(uint32_t mode, uint8_t r, uint8_t g, uint8_t b)
 {
     IspWbCfg cfg = {mode, r, g, b, 0};
-    StdoutCapture capture;
-    int32_t result = QV_ISP_SetWBAttr(&cfg);
-    return {result, capture.take()};
+    return captured([&] { return QV_ISP_SetWBAttr(&cfg); });
 }
 
 ISP_WB_ATTR_S power_on_wb() { return power_on_record<ISP_WB_ATTR_S>(SIM_REC_WB_ATTR); }
@@ -59,10 +26,7 @@ ISP_WB_ATTR_S power_on_wb() { return power_on_record<ISP_WB_ATTR_S>(SIM_REC_WB_A
 // The record of the setter's one write (log entry `index`), which must also be the platform's record.
 ISP_WB_ATTR_S written_wb(size_t index = 1)
 {
-    ISP_WB_ATTR_S written = logged_record<ISP_WB_ATTR_S>(index);
-    ISP_WB_ATTR_S now = platform_record<ISP_WB_ATTR_S>(SIM_REC_WB_ATTR);
-    EXPECT_TRUE(same_bytes(&written, &now, sizeof now));
-    return written;
+    return written_record<ISP_WB_ATTR_S>(SIM_REC_WB_ATTR, index);
 }
 
 // Part 4.3's mapping worked in real arithmetic: each piece as a line through its two end points, floored.
@@ -243,8 +207,6 @@ TEST_F(WhiteBalance, WriteFailureMinusOnePlatformAsItWas)
 
 TEST_F(WhiteBalance, NullGroupIsRefused)
 {
-    StdoutCapture capture;
-    EXPECT_EQ(QV_ISP_SetWBAttr(nullptr), -1);
-    EXPECT_EQ(capture.take(), "QV_ISP_SetWBAttr: argument is NULL, nothing done\n");
-    EXPECT_TRUE(platform_calls().empty());
+    expect_null_refused(captured([] { return QV_ISP_SetWBAttr(nullptr); }),
+                        "QV_ISP_SetWBAttr: argument is NULL, nothing done\n");
 }

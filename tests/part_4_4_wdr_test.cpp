@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "isptune_test.h"
+#include "call_test_support.h"
 
 extern "C" {
 #include "attributes/attributes.h"
@@ -16,19 +16,16 @@ extern "C" {
 
 namespace {
 
-using Calls = std::vector<std::string>;
 const Calls kDrcReadWrite = {"HI_MPI_ISP_GetDRCAttr", "HI_MPI_ISP_SetDRCAttr"};
 const Calls kSlPlain = {"HI_MPI_ISP_GetDRCAttr", "HI_MPI_ISP_GetExposureAttr", "HI_MPI_ISP_SetDRCAttr",
                         "HI_MPI_ISP_SetExposureAttr"};
 const Calls kSlNotPlain = {"HI_MPI_ISP_GetDRCAttr", "HI_MPI_ISP_GetExposureAttr", "HI_MPI_ISP_SetExposureAttr"};
 
-class Wdr : public testing::Test {
+class Wdr : public SimClockTest {
 protected:
     void SetUp() override
     {
-        sim_mpp_reset();
-        sim_host_reset();
-        vclock_reset();
+        SimClockTest::SetUp();
         // The load-time state of Part 4.4's module state, for runs of several tests in one process.
         std::memset(&stSLDRCAttr, 0, sizeof stSLDRCAttr);
         bSLDRCSaved = 0;
@@ -36,25 +33,16 @@ protected:
     }
 };
 
-struct Outcome {
-    int32_t result;
-    std::string out;
-};
-
 Outcome set_wdr(uint8_t mode, uint8_t level)
 {
     IspWdrCfg cfg = {mode, level};
-    StdoutCapture capture;
-    int32_t result = QV_ISP_SetWDRAttr(&cfg);
-    return {result, capture.take()};
+    return captured([&] { return QV_ISP_SetWDRAttr(&cfg); });
 }
 
 Outcome set_sl(uint8_t enable, uint8_t level, uint8_t drc_strength)
 {
     IspSlInhibitionCfg cfg = {enable, level, drc_strength};
-    StdoutCapture capture;
-    int32_t result = QV_ISP_SetSLInhibitionAttr(&cfg);
-    return {result, capture.take()};
+    return captured([&] { return QV_ISP_SetSLInhibitionAttr(&cfg); });
 }
 
 ISP_DRC_ATTR_S power_on_drc() { return power_on_record<ISP_DRC_ATTR_S>(SIM_REC_DRC_ATTR); }
@@ -116,16 +104,6 @@ ISP_EXPOSURE_ATTR_S seed_exposure()
     return r;
 }
 
-void expect_syslog_no_record()
-{
-    ASSERT_EQ(sim_host_log_count(), 1u);
-    struct sim_host_log entry = sim_host_log_at(0);
-    EXPECT_EQ(entry.service, SIM_HOST_QV_SYSLOG);
-    EXPECT_EQ(entry.level, 0);
-    EXPECT_EQ(entry.module, 14);
-    EXPECT_STREQ(entry.text, "GetSysInfo failed\n");
-}
-
 } // namespace
 
 // ---- load-time state ------------------------------------------------------------------------------------
@@ -156,9 +134,7 @@ ISP_DRC_ATTR_S wdr_written(uint8_t level)
     EXPECT_EQ(o.result, 0);
     EXPECT_EQ(o.out, "");
     EXPECT_EQ(platform_calls(), kDrcReadWrite);
-    ISP_DRC_ATTR_S written = logged_record<ISP_DRC_ATTR_S>(1), now = platform_drc();
-    EXPECT_TRUE(same_bytes(&written, &now, sizeof now));
-    return written;
+    return written_record<ISP_DRC_ATTR_S>(SIM_REC_DRC_ATTR);
 }
 } // namespace
 
@@ -248,19 +224,13 @@ TEST_F(Wdr, WdrSetterKeepsNoStateAndRaisesNoReflashMark)
 TEST_F(Wdr, WdrWithoutHostRecordLogsAndReturnsMinusOneWithoutPlatformCall)
 {
     sim_host_sysinfo_null(1);
-    Outcome o = set_wdr(0, 3);
-    EXPECT_EQ(o.result, -1);
-    EXPECT_EQ(o.out, "");
-    EXPECT_TRUE(platform_calls().empty());
-    expect_syslog_no_record();
+    expect_refused_without_host_record(set_wdr(0, 3));
 }
 
 TEST_F(Wdr, WdrNullGroupIsRefused)
 {
-    StdoutCapture capture;
-    EXPECT_EQ(QV_ISP_SetWDRAttr(nullptr), -1);
-    EXPECT_EQ(capture.take(), "QV_ISP_SetWDRAttr: argument is NULL, nothing done\n");
-    EXPECT_TRUE(platform_calls().empty());
+    expect_null_refused(captured([] { return QV_ISP_SetWDRAttr(nullptr); }),
+                        "QV_ISP_SetWDRAttr: argument is NULL, nothing done\n");
 }
 
 // ---- QV_ISP_SetSLInhibitionAttr --------------------------------------------------------------------------
@@ -416,16 +386,14 @@ TEST_F(Wdr, InhibitionWithoutHostRecordLogsAndReturnsMinusOneWithoutPlatformCall
     EXPECT_TRUE(platform_calls().empty());
     EXPECT_EQ(ispParamReflashMark, 0);
     EXPECT_EQ(bSLDRCSaved, 0);
-    expect_syslog_no_record();
+    expect_only_syslog_entry("GetSysInfo failed\n");
 }
 
 TEST_F(Wdr, InhibitionNullGroupIsRefused)
 {
     ispParamReflashMark = 0;
-    StdoutCapture capture;
-    EXPECT_EQ(QV_ISP_SetSLInhibitionAttr(nullptr), -1);
-    EXPECT_EQ(capture.take(), "QV_ISP_SetSLInhibitionAttr: argument is NULL, nothing done\n");
-    EXPECT_TRUE(platform_calls().empty());
+    expect_null_refused(captured([] { return QV_ISP_SetSLInhibitionAttr(nullptr); }),
+                        "QV_ISP_SetSLInhibitionAttr: argument is NULL, nothing done\n");
     EXPECT_EQ(ispParamReflashMark, 0);
 }
 

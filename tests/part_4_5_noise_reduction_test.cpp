@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "isptune_test.h"
+#include "call_test_support.h"
 
 extern "C" {
 #include "attributes/attributes.h"
@@ -13,33 +13,23 @@ extern "C" {
 
 namespace {
 
-using Calls = std::vector<std::string>;
 const Calls kOneWriter = {"HI_MPI_VPSS_GetGrpNRSParam", "HI_MPI_VPSS_SetGrpNRSParam"};
 const Calls kTwoWriters = {"HI_MPI_VPSS_GetGrpNRSParam", "HI_MPI_VPSS_SetGrpNRSParam",
                            "HI_MPI_VPSS_GetGrpNRSParam", "HI_MPI_VPSS_SetGrpNRSParam"};
 
-class NoiseReduction : public testing::Test {
+class NoiseReduction : public SimClockTest {
 protected:
     void SetUp() override
     {
-        sim_mpp_reset();
-        sim_host_reset();
-        vclock_reset();
+        SimClockTest::SetUp();
         ispParamReflashMark = 0;
     }
-};
-
-struct Outcome {
-    int32_t result;
-    std::string out;
 };
 
 Outcome set_dnr(uint8_t mode, uint8_t s2d, uint8_t s3d)
 {
     IspDnrCfg cfg = {mode, s2d, s3d};
-    StdoutCapture capture;
-    int32_t result = QV_ISP_SetDNRAttr(&cfg);
-    return {result, capture.take()};
+    return captured([&] { return QV_ISP_SetDNRAttr(&cfg); });
 }
 
 VPSS_GRP_NRS_PARAM_S power_on_nrs() { return power_on_record<VPSS_GRP_NRS_PARAM_S>(SIM_REC_VPSS_NRS_PARAM); }
@@ -299,9 +289,7 @@ TEST_F(NoiseReduction, NoHostRecordMessageMinusOneNoPlatformCallNoReflash)
 
 TEST_F(NoiseReduction, NullGroupIsRefused)
 {
-    StdoutCapture capture;
-    EXPECT_EQ(QV_ISP_SetDNRAttr(nullptr), -1);
-    EXPECT_EQ(capture.take(), "QV_ISP_SetDNRAttr: argument is NULL, nothing done\n");
-    EXPECT_TRUE(platform_calls().empty());
+    expect_null_refused(captured([] { return QV_ISP_SetDNRAttr(nullptr); }),
+                        "QV_ISP_SetDNRAttr: argument is NULL, nothing done\n");
     EXPECT_EQ(ispParamReflashMark, 0);
 }

@@ -4,27 +4,21 @@
 #include <string>
 #include <vector>
 
-#include "isptune_test.h"
+#include "call_test_support.h"
 
-extern "C" {
-#include "isptune.h"
-}
 
 namespace {
-
-using Calls = std::vector<std::string>;
 
 const Calls kModeZeroCalls = {"HI_MPI_ISP_GetExposureAttr", "HI_MPI_ISP_SetExposureAttr", "HI_MPI_ISP_GetIrisAttr",
                               "HI_MPI_ISP_SetIrisAttr", "HI_MPI_ISP_SetDcirisAttr"};
 const Calls kOtherModeCalls = {"HI_MPI_ISP_GetExposureAttr", "HI_MPI_ISP_SetExposureAttr",
                                "HI_MPI_ISP_GetIrisAttr", "HI_MPI_ISP_SetIrisAttr"};
 
-class IrisTest : public ::testing::Test {
+class IrisTest : public SimTest {
 protected:
     void SetUp() override
     {
-        sim_mpp_reset();
-        sim_host_reset();
+        SimTest::SetUp();
         // The power-on iris is off: every field the setter writes then shows.
         ISP_IRIS_ATTR_S iris = power_on_record<ISP_IRIS_ATTR_S>(SIM_REC_IRIS_ATTR);
         iris.bEnable = HI_FALSE;
@@ -34,17 +28,10 @@ protected:
         sim_mpp_write(SIM_REC_IRIS_ATTR, &iris);
     }
 
-    struct Outcome {
-        int32_t result;
-        std::string out;
-    };
-
     Outcome set_ir(uint8_t mode, uint8_t reserved = 0)
     {
         IspIrisCfg cfg{mode, reserved};
-        StdoutCapture capture;
-        int32_t result = QV_ISP_SetIRAttr(&cfg);
-        return {result, capture.take()};
+        return captured([&] { return QV_ISP_SetIRAttr(&cfg); });
     }
 
     // The exposure record as written: the power-on one with only the minimum exposure time changed.

@@ -5,53 +5,26 @@
 #include <string>
 #include <vector>
 
-#include "isptune_test.h"
+#include "call_test_support.h"
 
-extern "C" {
-#include "isptune.h"
-}
 
 namespace {
 
-using Calls = std::vector<std::string>;
 const Calls kReadWrite = {"HI_MPI_ISP_GetDeFogAttr", "HI_MPI_ISP_SetDeFogAttr"};
 
-// Stores a raw word into an enum field: values outside the enumerators (which the library stores
-// unchecked, as the Part says) must not pass through a C++ enum conversion or load.
-template <typename E> void set_raw(E &field, uint32_t value)
-{
-    static_assert(sizeof(E) == sizeof value, "32-bit enum field");
-    std::memcpy(&field, &value, sizeof value);
-}
-template <typename E> uint32_t raw(const E &field)
-{
-    uint32_t value;
-    std::memcpy(&value, &field, sizeof value);
-    return value;
-}
-
-class Defog : public testing::Test {
+class Defog : public SimClockTest {
 protected:
     void SetUp() override
     {
-        sim_mpp_reset();
-        sim_host_reset();
-        vclock_reset();
+        SimClockTest::SetUp();
         ispParamReflashMark = 0;
     }
-};
-
-struct Outcome {
-    int32_t result;
-    std::string out;
 };
 
 Outcome set_defog(uint8_t mode, uint8_t strength, uint8_t reserved = 0)
 {
     IspDefogCfg cfg = {mode, reserved, strength};
-    StdoutCapture capture;
-    int32_t result = QV_ISP_SetDefogAttr(&cfg);
-    return {result, capture.take()};
+    return captured([&] { return QV_ISP_SetDefogAttr(&cfg); });
 }
 
 ISP_DEFOG_ATTR_S power_on_defog() { return power_on_record<ISP_DEFOG_ATTR_S>(SIM_REC_DEFOG_ATTR); }
@@ -60,10 +33,7 @@ ISP_DEFOG_ATTR_S power_on_defog() { return power_on_record<ISP_DEFOG_ATTR_S>(SIM
 ISP_DEFOG_ATTR_S written_defog()
 {
     EXPECT_EQ(platform_calls(), kReadWrite);
-    ISP_DEFOG_ATTR_S written = logged_record<ISP_DEFOG_ATTR_S>(1);
-    ISP_DEFOG_ATTR_S now = platform_record<ISP_DEFOG_ATTR_S>(SIM_REC_DEFOG_ATTR);
-    EXPECT_TRUE(same_bytes(&written, &now, sizeof now));
-    return written;
+    return written_record<ISP_DEFOG_ATTR_S>(SIM_REC_DEFOG_ATTR);
 }
 
 ISP_DEFOG_ATTR_S expected_defog(uint32_t enable, uint32_t op, uint8_t manual)
@@ -160,8 +130,6 @@ TEST_F(Defog, WriteFailureLeavesThePlatformMinusOne)
 
 TEST_F(Defog, NullGroupIsRefused)
 {
-    StdoutCapture capture;
-    EXPECT_EQ(QV_ISP_SetDefogAttr(nullptr), -1);
-    EXPECT_EQ(capture.take(), "QV_ISP_SetDefogAttr: argument is NULL, nothing done\n");
-    EXPECT_TRUE(platform_calls().empty());
+    expect_null_refused(captured([] { return QV_ISP_SetDefogAttr(nullptr); }),
+                        "QV_ISP_SetDefogAttr: argument is NULL, nothing done\n");
 }

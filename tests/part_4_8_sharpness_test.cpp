@@ -7,26 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "isptune_test.h"
-
-extern "C" {
-#include "isptune.h"
-}
-
-// The library's `_Atomic int32_t ProfileMode` (src/core/core.h), written as ISP_SetParamDay/Night would.
-extern "C" int32_t ProfileMode;
+#include "call_test_support.h"
+#include "core_access.h"
 
 namespace {
 
-using Calls = std::vector<std::string>;
 const Calls kGetSet = {"HI_MPI_ISP_GetSharpenAttr", "HI_MPI_ISP_SetSharpenAttr"};
 const Calls kGetOnly = {"HI_MPI_ISP_GetSharpenAttr"};
 constexpr const char *kRangeError = "get sharpenNum error \n";
-
-void set_profile(int32_t mode)
-{
-    __atomic_store_n(&ProfileMode, mode, __ATOMIC_SEQ_CST);
-}
 
 // Part 4.8 step 5, typed independently: the factor and each product in single precision, truncated.
 uint32_t scaled(uint32_t entry, float value)
@@ -36,25 +24,17 @@ uint32_t scaled(uint32_t entry, float value)
     return uint32_t(product);
 }
 
-struct Outcome {
-    int32_t result;
-    std::string out;
-};
-
 Outcome set_sharpness_value(float value)
 {
-    StdoutCapture capture;
-    int32_t result = QV_ISP_SetSharpnessAttr(value);
-    return {result, capture.take()};
+    return captured([&] { return QV_ISP_SetSharpnessAttr(value); });
 }
 
-class SharpnessTest : public ::testing::Test {
+class SharpnessTest : public SimTest {
 protected:
     void SetUp() override
     {
-        sim_mpp_reset();
-        sim_host_reset();
-        set_profile(0);
+        SimTest::SetUp();
+        test_set_profile_mode(0);
         // Manual operation before the call, so that step 3 shows.
         ISP_SHARPEN_ATTR_S s = power_on_record<ISP_SHARPEN_ATTR_S>(SIM_REC_SHARPEN_ATTR);
         s.enOpType = OP_TYPE_MANUAL;
@@ -185,7 +165,7 @@ TEST_F(SharpnessTest, RangeEndsAndNegativeZeroAccepted)
 
 TEST_F(SharpnessTest, NightProfileUsesNightTables)
 {
-    set_profile(1);
+    test_set_profile_mode(1);
     EXPECT_EQ(set_sharpness_value(128.0f).result, 0);
     ISP_SHARPEN_ATTR_S got = logged_record<ISP_SHARPEN_ATTR_S>(1);
     for (int i = 0; i < 12; ++i) {
@@ -202,7 +182,7 @@ TEST_F(SharpnessTest, EveryUserByteMatchesSinglePrecisionArithmeticInBothProfile
 {
     sim_mpp_log_enable(0);
     for (int32_t mode : {0, 1}) {
-        set_profile(mode);
+        test_set_profile_mode(mode);
         const uint16_t *ud = mode ? gNightSharpenUd : gColorSharpenUd;
         const uint8_t *d = mode ? gNightSharpenD : gColorSharpenD;
         for (int v = 0; v <= 255; ++v) {

@@ -6,15 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "isptune_test.h"
+#include "call_test_support.h"
 
-extern "C" {
-#include "isptune.h"
-}
 
 namespace {
 
-using Calls = std::vector<std::string>;
 const Calls kGetSet = {"HI_MPI_VI_GetCSCAttr", "HI_MPI_VI_SetCSCAttr"};
 const Calls kGetOnly = {"HI_MPI_VI_GetCSCAttr"};
 
@@ -38,17 +34,11 @@ const Control kControls[] = {
      "get SaturationAttr param error \n", false},
 };
 
-struct Outcome {
-    int32_t result;
-    std::string out;
-};
-
-class PictureTest : public ::testing::TestWithParam<Control> {
+class PictureTest : public SimTestWithParam<Control> {
 protected:
     void SetUp() override
     {
-        sim_mpp_reset();
-        sim_host_reset();
+        SimTestWithParam::SetUp();
         // A distinctive starting value in all three fields, so that every write shows.
         VI_CSC_ATTR_S csc = power_on_record<VI_CSC_ATTR_S>(SIM_REC_VI_CSC_ATTR);
         csc.u32LumaVal = csc.u32ContrVal = csc.u32SatuVal = 77;
@@ -57,9 +47,7 @@ protected:
 
     Outcome set(uint32_t value)
     {
-        StdoutCapture capture;
-        int32_t result = GetParam().setter(value);
-        return {result, capture.take()};
+        return captured([&] { return GetParam().setter(value); });
     }
 
     static VI_CSC_ATTR_S csc_now() { return platform_record<VI_CSC_ATTR_S>(SIM_REC_VI_CSC_ATTR); }

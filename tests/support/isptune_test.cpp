@@ -19,12 +19,40 @@ long last_call_of(const char *function)
     return -1;
 }
 
+HI_S32 failure_code_for(const std::string &call)
+{
+    if (call.rfind("HI_MPI_VPSS_", 0) == 0)
+        return HI_ERR_VPSS_BUSY;
+    if (call.rfind("HI_MPI_VI_", 0) == 0)
+        return HI_ERR_VI_BUSY;
+    return HI_ERR_ISP_NOT_INIT;
+}
+
 std::vector<std::string> host_log_texts()
 {
     std::vector<std::string> texts;
     for (size_t i = 0; i < sim_host_log_count(); ++i)
         texts.emplace_back(sim_host_log_at(i).text);
     return texts;
+}
+
+void expect_only_syslog_entry(const char *text)
+{
+    ASSERT_EQ(sim_host_log_count(), 1u);
+    const sim_host_log entry = sim_host_log_at(0);
+    EXPECT_EQ(entry.service, SIM_HOST_QV_SYSLOG);
+    EXPECT_EQ(entry.level, 0);
+    EXPECT_EQ(entry.module, 14);
+    EXPECT_STREQ(entry.text, text);
+}
+
+void expect_only_syserror_entry(const char *text)
+{
+    ASSERT_EQ(sim_host_log_count(), 1u);
+    const sim_host_log entry = sim_host_log_at(0);
+    EXPECT_EQ(entry.service, SIM_HOST_QV_SYSERROR);
+    EXPECT_EQ(entry.module, 14);
+    EXPECT_STREQ(entry.text, text);
 }
 
 testing::AssertionResult same_bytes(const void *a, const void *b, size_t size)

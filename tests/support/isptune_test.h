@@ -52,8 +52,17 @@ template <typename T> T power_on_record(sim_mpp_record_id id)
     return record;
 }
 
+// The code the fault sweeps make platform call `call` fail with: HI_ERR_VPSS_BUSY (0xa0078012) for a VPSS
+// call, HI_ERR_VI_BUSY (0xa0108012) for a VI call, HI_ERR_ISP_NOT_INIT (0xa01c8040) for any other.
+HI_S32 failure_code_for(const std::string &call);
+
 // Texts of the host's log entries since the last sim_host_reset(), in order.
 std::vector<std::string> host_log_texts();
+
+// The host's log holds exactly one entry, `text`, from module 14: through QV_SYSLOG at level 0, or through
+// QV_SYSERROR.
+void expect_only_syslog_entry(const char *text);
+void expect_only_syserror_entry(const char *text);
 
 // Everything the code under test prints on standard output while the object lives.
 class StdoutCapture {
