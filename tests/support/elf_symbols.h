@@ -17,7 +17,7 @@ struct ElfSymbol {
 };
 
 // Every entry of .dynsym except the null entry and the symbols a sanitizer or coverage build adds for
-// its own bookkeeping (__odr_asan.*, __asan_*, __tsan_*, __ubsan_*, __gcov_*). Throws std::runtime_error
+// its own bookkeeping (__odr_asan.*, __asan_*, __tsan_*, __ubsan_*, __gcov_*, libgcov's mangle_path). Throws std::runtime_error
 // when the file is no ELF.
 std::vector<ElfSymbol> read_dynamic_symbols(const std::string &path);
 
