@@ -299,4 +299,25 @@ TEST_F(Part_1_7_Lifecycle, ManyStartsAndStopsInARow)
     EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_GetAWBAttrEx"), 20u) << "one thread, one start-up per start";
 }
 
+// docs/decisions.md (Parts 1.2 and 1.7): without a SysInfo record the thread ends after its start-up
+// while gISPStatus stays 1; a later start sees the ended thread, joins it and creates a new one.
+TEST_F(Part_1_7_Lifecycle, AStartAfterTheThreadEndedForLackOfARecordCreatesANewThread)
+{
+    StdoutCapture out;
+    sim_host_sysinfo_null(1);
+    start_held();    // held in its sleep(10), call 1
+    vclock_allow(1); // start-up: baseline (fails: no record), mark, then the thread ends: no clock call
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (sim_host_log_find("the supervision loop does not run") < 0 && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::yield();
+    ASSERT_GE(sim_host_log_find("QV_ISP_Proc: no SysInfo record, the supervision loop does not run\n"), 0);
+    EXPECT_EQ(status(), 1) << "the service still counts as started";
+
+    sim_host_sysinfo_null(0); // the host has its record now
+    ASSERT_EQ(QV_ISP_Start(), 0);
+    ASSERT_EQ(vclock_wait_blocked(2), 0) << "a new thread is in its start-up sleep(10)";
+    EXPECT_EQ(vclock_call_at(1).kind, VCLOCK_SLEEP);
+    EXPECT_NE(vclock_call_at(1).thread, vclock_call_at(0).thread);
+}
+
 } // namespace
