@@ -187,6 +187,31 @@ TEST(Interp, GainOutsideItsLevelFollowsTheSpecArithmetic)
         EXPECT_EQ(ISP_GainLevelInterp(t.data(), G, 3), spec_interp(t, G, 3)) << G;
 }
 
+// The library has no floating point: outside the level it uses 64-bit integers. Every level, the extreme
+// and middle pairs of entries, and gains across the whole 32-bit range (both ends, every power of two and
+// its neighbours, and a fixed pseudo-random sample) give what the spec's double arithmetic gives.
+TEST(Interp, AcrossThe32BitGainRangeEqualsTheSpecArithmetic)
+{
+    std::vector<int32_t> gains = {INT32_MIN, INT32_MIN + 1, -1, 0, INT32_MAX - 1, INT32_MAX};
+    for (int k = 0; k < 31; ++k)
+        for (int32_t delta : {-1, 0, 1})
+            gains.push_back(int32_t((int64_t(1) << k) + delta));
+    uint32_t seed = 12345u;
+    for (int i = 0; i < 2000; ++i) {
+        seed = seed * 1664525u + 1013904223u; // a fixed linear congruential sequence
+        gains.push_back(int32_t(seed));
+    }
+    const uint8_t entries[] = {0, 1, 2, 127, 128, 253, 254, 255};
+    for (int L = 0; L <= ISP_LEVEL_MAX; ++L)
+        for (uint8_t a : entries)
+            for (uint8_t b : entries) {
+                const Table t = table_with(L, a, b);
+                for (int32_t G : gains)
+                    ASSERT_EQ(ISP_GainLevelInterp(t.data(), G, L), spec_interp(t, G, L))
+                        << "L " << L << " T[L] " << int(a) << " T[L+1] " << int(b) << " G " << G;
+            }
+}
+
 TEST(Interp, LevelOutsideTheTableNeverReadsOutside)
 {
     // Exactly 12 bytes on the heap: AddressSanitizer reports any read outside them.

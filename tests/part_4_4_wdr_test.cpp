@@ -253,6 +253,18 @@ TEST_F(Wdr, InhibitionOnDrcStrengths0And1And2And255Give35And35And36And205)
     }
 }
 
+// The library computes 2 * s / 3 without a division (src/attributes/wdr.c): every strength is checked.
+TEST_F(Wdr, InhibitionOnEveryDrcStrengthGives35PlusTwoThirdsTruncated)
+{
+    for (int input = 0; input <= 255; ++input) {
+        sim_mpp_reset();
+        Outcome o = set_sl(1, 10, uint8_t(input));
+        ASSERT_EQ(o.result, 0);
+        ASSERT_EQ(platform_calls(), kSlPlain);
+        EXPECT_EQ(logged_record<ISP_DRC_ATTR_S>(2).stManual.u8Strength, 35 + 2 * input / 3) << "input " << input;
+    }
+}
+
 TEST_F(Wdr, InhibitionOnLevel200Slope200Offset200Compensation48Strategy0)
 {
     ISP_EXPOSURE_ATTR_S read_exp = seed_exposure();

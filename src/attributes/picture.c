@@ -22,6 +22,14 @@ static const PictureControl kSaturation = {
 /* The user's 0..255 scale and the platform's 0..100 control range. */
 enum { PICTURE_USER_MAX = 255, PICTURE_CSC_MAX = 100 };
 
+/* x / 255, truncated, for 0 <= x < 65535, without a division: the ARM926 has no divide instruction, and
+ * a division by a constant costs the camera build a libgcc routine (docs/performance.md). Equal to x / 255
+ * for every x the setter can make (tests/part_4_9_picture_test.cpp checks every value). */
+static uint32_t div255(uint32_t x)
+{
+    return (x + 1 + (x >> 8)) >> 8;
+}
+
 static int32_t set_picture_control(const PictureControl *control, uint32_t value)
 {
     VI_CSC_ATTR_S csc; /* step 1 */
@@ -34,7 +42,7 @@ static int32_t set_picture_control(const PictureControl *control, uint32_t value
         puts(control->range_error);
         return -1;
     }
-    const HI_U32 converted = value * PICTURE_CSC_MAX / PICTURE_USER_MAX; /* step 3: truncated */
+    const HI_U32 converted = div255(value * PICTURE_CSC_MAX); /* step 3: value * 100 / 255, truncated */
     HI_U32 *field = (HI_U32 *)(void *)((unsigned char *)&csc + control->field_offset);
     if (*field == converted) /* step 4: an unchanged value is not written */
         return 0;

@@ -115,7 +115,9 @@ int32_t QV_ISP_SetSLInhibitionAttr(const IspSlInhibitionCfg *cfg)
 
     if (plain_scene(info)) { /* steps 7 and 8 */
         if (cfg->u8Enable != 0) {
-            drc.stManual.u8Strength = (HI_U8)(35 + (2 * cfg->u8DrcStrength) / 3); /* 35 to 205 */
+            /* 35 + 2 * strength / 3 (truncated), 35 to 205: (s * 683) >> 10 equals 2 * s / 3 for every s up to
+             * 1023, without the division the ARM926 lacks (docs/performance.md; tests check all 256). */
+            drc.stManual.u8Strength = (HI_U8)(35u + ((cfg->u8DrcStrength * 683u) >> 10));
             drc.bEnable = HI_TRUE;
             drc.enOpType = OP_TYPE_MANUAL;
             drc.u8LocalMixingBrigtht = ISP_SL_DRC_OWN_MARK;

@@ -10,41 +10,35 @@ static int32_t floor_div_pow2(int32_t n, int32_t k)
     return n >= 0 ? n >> k : -((-n + (1 << k) - 1) >> k);
 }
 
-/* The spec's arithmetic, step by step in IEEE double (Part 3.1, Algorithms 1 to 6). 2^k for an integer
- * k is exact in a double, so (double)(1 << k) equals the spec's pow(2.0, k) bit for bit. */
-static uint32_t interp_double(const uint8_t *table, int32_t G, int32_t L)
+static int64_t floor_div_pow2_wide(int64_t n, int32_t k)
 {
-    double d = (double)((int32_t)table[L + 1] - (int32_t)table[L]);
-    double lo = (double)(1 << L);
-    double hi = (double)(1 << (L + 1));
-    double slope = d / (hi - lo);
-    double offset = (double)G - lo;
-    double v = (double)table[L] + slope * offset;
-    if (!(v > 0.0))
-        return 0;
-    if (v >= 4294967296.0)
-        return UINT32_MAX;
-    return (uint32_t)v;
+    return n >= 0 ? n >> k : -((-n + ((int64_t)1 << k) - 1) >> k);
 }
 
 uint32_t ISP_GainLevelInterp(const uint8_t table[ISP_LEVEL_COUNT], int32_t G, int32_t L)
 {
     /* A level outside 0..10 would read outside the table. The refreshes refuse such a level before they
      * get here (ISP_CheckGainLevel, docs/decisions.md); the clamp makes an out-of-table read impossible
-     * for any caller. A gain outside the level (below 1, say) follows the spec's double arithmetic. */
+     * for any caller. */
     if (L < 0)
         L = 0;
     else if (L > ISP_LEVEL_MAX)
         L = ISP_LEVEL_MAX;
-    /* Inside its level (2^L <= G <= 2^(L+1)) every double step is exact, so the result is the integer
-     * formula T[L] + floor((T[L+1] - T[L]) * (G - 2^L) / 2^L): no floating point on the camera's FPU-less
-     * CPU. tests/part_3_1_interp_test.cpp proves the two equal for every L, G and pair of entries. */
+    /* The spec's steps are IEEE double arithmetic with pow(2.0, k); every one of them is exact here, so
+     * the result is the integer formula T[L] + floor((T[L+1] - T[L]) * (G - 2^L) / 2^L), with no floating
+     * point on the camera's FPU-less CPU: 2^k is exact, (T[L+1] - T[L]) / 2^L is a scaled integer, and
+     * for any 32-bit G the product and the sum need at most 50 significant bits of the double's 53. The
+     * double's truncation to unsigned (below 0 gives 0, 2^32 and above the maximum) is the clamp.
+     * tests/part_3_1_interp_test.cpp proves the two equal: for every L, G inside the level and pair of
+     * entries, and across the whole 32-bit range of G. */
     const int32_t lo = 1 << L;
-    if (G >= lo && G <= 2 * lo) {
-        int32_t d = (int32_t)table[L + 1] - (int32_t)table[L];
+    const int32_t d = (int32_t)table[L + 1] - (int32_t)table[L];
+    if (G >= lo && G <= 2 * lo) /* inside its level, the usual case: 32 bits suffice */
         return (uint32_t)((int32_t)table[L] + floor_div_pow2(d * (G - lo), L));
-    }
-    return interp_double(table, G, L);
+    const int64_t v = (int64_t)table[L] + floor_div_pow2_wide((int64_t)d * ((int64_t)G - lo), L);
+    if (v <= 0)
+        return 0;
+    return v > (int64_t)UINT32_MAX ? UINT32_MAX : (uint32_t)v;
 }
 
 int ISP_CheckGainLevel(const char *func, int32_t L)
