@@ -15,6 +15,17 @@ static int64_t floor_div_pow2_wide(int64_t n, int32_t k)
     return n >= 0 ? n >> k : -((-n + ((int64_t)1 << k) - 1) >> k);
 }
 
+/* The same formula for a gain outside its level (only a direct call makes one), in 64 bits, with the
+ * double's clamps. Out of line, so that the usual case carries none of its registers. */
+static __attribute__((noinline)) uint32_t interp_outside_level(const uint8_t *table, int32_t G, int32_t L)
+{
+    const int64_t d = (int32_t)table[L + 1] - (int32_t)table[L];
+    const int64_t v = (int64_t)table[L] + floor_div_pow2_wide(d * ((int64_t)G - ((int64_t)1 << L)), L);
+    if (v <= 0)
+        return 0;
+    return v > (int64_t)UINT32_MAX ? UINT32_MAX : (uint32_t)v;
+}
+
 uint32_t ISP_GainLevelInterp(const uint8_t table[ISP_LEVEL_COUNT], int32_t G, int32_t L)
 {
     /* A level outside 0..10 would read outside the table. The refreshes refuse such a level before they
@@ -32,13 +43,11 @@ uint32_t ISP_GainLevelInterp(const uint8_t table[ISP_LEVEL_COUNT], int32_t G, in
      * tests/part_3_1_interp_test.cpp proves the two equal: for every L, G inside the level and pair of
      * entries, and across the whole 32-bit range of G. */
     const int32_t lo = 1 << L;
-    const int32_t d = (int32_t)table[L + 1] - (int32_t)table[L];
-    if (G >= lo && G <= 2 * lo) /* inside its level, the usual case: 32 bits suffice */
+    if (G >= lo && G <= 2 * lo) { /* inside its level, the usual case: 32 bits suffice */
+        const int32_t d = (int32_t)table[L + 1] - (int32_t)table[L];
         return (uint32_t)((int32_t)table[L] + floor_div_pow2(d * (G - lo), L));
-    const int64_t v = (int64_t)table[L] + floor_div_pow2_wide((int64_t)d * ((int64_t)G - lo), L);
-    if (v <= 0)
-        return 0;
-    return v > (int64_t)UINT32_MAX ? UINT32_MAX : (uint32_t)v;
+    }
+    return interp_outside_level(table, G, L);
 }
 
 int ISP_CheckGainLevel(const char *func, int32_t L)
