@@ -213,6 +213,9 @@ TEST_F(Part_1_7_Lifecycle, StopRightAfterStartBlocksUntilTheStartUpIsOver)
     EXPECT_EQ(stop.join(), 0);
     EXPECT_TRUE(stop.done());
     EXPECT_GT(sim_mpp_log_count(), 0u) << "the baseline settings ran";
+    // The stop returned only once the whole baseline was over: its last write is the last platform call.
+    EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_SetBlackLevelAttr"), 1u);
+    EXPECT_EQ(platform_calls().back(), "HI_MPI_ISP_SetBlackLevelAttr");
     EXPECT_EQ(queries(), 0u) << "the thread ended without sampling";
     EXPECT_EQ(vclock_call_count(), 1u) << "nor pausing";
     EXPECT_EQ(reflash_mark(), 1) << "start-up step 4 ran";

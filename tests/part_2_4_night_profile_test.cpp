@@ -220,6 +220,49 @@ TEST_F(NightProfile, AfterSuccessDefectPixelCorrectionIsEnabledAndAutomatic)
     EXPECT_TRUE(same_bytes(&dp, &want, sizeof dp));
 }
 
+// The four states the Part's edge case lists after one success, each from a platform where the opposite
+// shows: saturation and matrix automatic at power-on, anti-false-colour manual with odd arrays, defect
+// pixels disabled and manual.
+TEST_F(NightProfile, AfterSuccessSaturationAndMatrixAreManualAntiFalseColourOffAndDefectPixelsAutomatic)
+{
+    ISP_ANTI_FALSECOLOR_S afc0 = power_on_record<ISP_ANTI_FALSECOLOR_S>(SIM_REC_ANTI_FALSECOLOR);
+    afc0.enOpType = OP_TYPE_MANUAL;
+    for (int i = 0; i < 16; ++i) {
+        afc0.stAuto.au8Strength[i] = HI_U8(90 + i);
+        afc0.stAuto.au8Threshold[i] = HI_U8(60 + i);
+        afc0.stAuto.au16Offset[i] = HI_U16(700 + i);
+    }
+    sim_mpp_write(SIM_REC_ANTI_FALSECOLOR, &afc0);
+    ISP_DP_DYNAMIC_ATTR_S dp0 = power_on_record<ISP_DP_DYNAMIC_ATTR_S>(SIM_REC_DP_DYNAMIC_ATTR);
+    dp0.bEnable = HI_FALSE;
+    dp0.enOpType = OP_TYPE_MANUAL;
+    sim_mpp_write(SIM_REC_DP_DYNAMIC_ATTR, &dp0);
+    const ISP_SATURATION_ATTR_S sat0 = power_on_record<ISP_SATURATION_ATTR_S>(SIM_REC_SATURATION_ATTR);
+    const ISP_COLORMATRIX_ATTR_S ccm0 = power_on_record<ISP_COLORMATRIX_ATTR_S>(SIM_REC_CCM_ATTR);
+    ASSERT_EQ(sat0.enOpType, OP_TYPE_AUTO);
+    ASSERT_NE(sat0.stManual.u8Saturation, 0);
+    ASSERT_EQ(ccm0.enOpType, OP_TYPE_AUTO);
+
+    ASSERT_EQ(run_night_profile().result, 0);
+
+    const ISP_SATURATION_ATTR_S sat = platform_record<ISP_SATURATION_ATTR_S>(SIM_REC_SATURATION_ATTR);
+    EXPECT_EQ(sat.enOpType, OP_TYPE_MANUAL);
+    EXPECT_EQ(sat.stManual.u8Saturation, 0);
+    const ISP_COLORMATRIX_ATTR_S ccm = platform_record<ISP_COLORMATRIX_ATTR_S>(SIM_REC_CCM_ATTR);
+    EXPECT_EQ(ccm.enOpType, OP_TYPE_MANUAL);
+    for (int r = 0; r < 3; ++r)
+        for (int c = 0; c < 3; ++c)
+            EXPECT_EQ(ccm.stManual.au16CCM[3 * r + c], r == c ? 1 : 0) << "row " << r << " column " << c;
+    const ISP_ANTI_FALSECOLOR_S afc = platform_record<ISP_ANTI_FALSECOLOR_S>(SIM_REC_ANTI_FALSECOLOR);
+    EXPECT_EQ(afc.bEnable, HI_FALSE);
+    ISP_ANTI_FALSECOLOR_S want_afc = afc0;
+    want_afc.bEnable = HI_FALSE;
+    EXPECT_TRUE(same_bytes(&afc, &want_afc, sizeof afc)) << "operation type and arrays as they were";
+    const ISP_DP_DYNAMIC_ATTR_S dp = platform_record<ISP_DP_DYNAMIC_ATTR_S>(SIM_REC_DP_DYNAMIC_ATTR);
+    EXPECT_EQ(dp.bEnable, HI_TRUE);
+    EXPECT_EQ(dp.enOpType, OP_TYPE_AUTO);
+}
+
 TEST_F(NightProfile, NightThenColourProfileMakesSaturationMatrixAutomaticAndAntiFalseColourEnabledAgain)
 {
     // The colour profile alone, on a power-on platform: the reference (Part 2.3, its own tests).

@@ -8,7 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "isptune_test.h"
+
 extern "C" {
+#include "isptune.h"
 #include "refresh/refresh.h"
 #include "sim_mpp.h"
 }
@@ -331,16 +334,15 @@ void expect_always_fields(const SyntheticNrTables &s, const NRS_PARAM_V2_S &p, i
 TEST(NrRecordUpdate, GainOneTakesEntryZeroOfEveryTable)
 {
     SyntheticNrTables s;
+    seed_nrs(); // values unlike any table's entry 0, so that every store shows
     ASSERT_EQ(ISP_UpdateNrRecord(&s.record, 0, 1, 0, &kDay), 0);
     NRS_PARAM_V2_S p = read_nrs().stNRSParam_V2;
-    const uint8_t *fields[] = {&p.SBS0, &p.SBS1, &p.SBS2, &p.SBS3, &p.SDS0, &p.SDS1, &p.SDS2, &p.SDS3,
-                               &p.STH0, &p.STH1, &p.STH2, &p.STH3, &p.MDP, &p.Pro3};
-    for (int f = 0; f < 14; ++f)
-        EXPECT_EQ(*fields[f], s.t[f][0]) << f;
-    EXPECT_EQ(p.MATH1, s.t[SyntheticNrTables::MATH1][0]);
-    EXPECT_EQ(p.MATH2, s.t[SyntheticNrTables::MATH2][0]);
-    EXPECT_EQ(p.MDDZ1, s.t[SyntheticNrTables::MDDZ1][0]);
-    EXPECT_EQ(p.TRC, s.t[SyntheticNrTables::TRC][0]);
+    // All 24 fields, in IspNrTables order (mode 0: the two user-ownable pairs too).
+    const int got[24] = {p.SBS0,  p.SBS1,  p.SBS2, p.SBS3, p.SDS0, p.SDS1, p.SDS2,  p.SDS3,
+                         p.STH0,  p.STH1,  p.STH2, p.STH3, p.MDP,  p.Pro3, p.MATH1, p.MATH2,
+                         p.MDDZ1, p.MDDZ2, p.TFS1, p.TFS2, p.SFC,  p.TFC,  p.TPC,   p.TRC};
+    for (int f = 0; f < 24; ++f)
+        EXPECT_EQ(got[f], s.t[f][0]) << "field " << f;
 }
 
 TEST(NrRecordUpdate, Gain62Level5EveryFieldIsT5PlusFloor30Of32)
@@ -478,4 +480,23 @@ TEST(NrRecordUpdate, FailingSetPrintsCallersMessage)
     EXPECT_EQ(ISP_UpdateNrRecord(&s.record, 0, 24, 4, &night), -1);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "HI_MPI_VPSS_SetGrpNRSParam ISP_SetParamNightRefresh 1040 failed 0xa0078012 !!!\n");
+}
+
+// The same through the two refreshes that run the update (Parts 3.2 and 3.3): before each refresh the
+// platform's first block byte is made non-zero again, and after it the record reads back 0 there.
+TEST(NrRecordUpdate, FirstByteOfTheBlockReadsBackZeroAfterEveryDayAndNightRefresh)
+{
+    sim_mpp_reset();
+    sim_host_reset();
+    for (int32_t (*refresh)(int32_t, int32_t) : {ISP_SetParamDayRefresh, ISP_SetParamNightRefresh})
+        for (int G : {1, 3, 24, 33, 55, 62}) {
+            VPSS_GRP_NRS_PARAM_S seeded = seed_nrs();
+            ASSERT_NE(seeded.stNRSParam_V2.IES0, 0);
+            const int32_t L = int32_t(std::trunc(std::log10(double(G)) / 0.3010299956639812));
+            StdoutCapture quiet; // the black-level step prints
+            ASSERT_EQ(refresh(G, L), 0) << G;
+            EXPECT_EQ(read_nrs().stNRSParam_V2.IES0, 0) << G;
+            EXPECT_EQ(read_nrs().enNRVer, VPSS_NR_V2) << G;
+        }
+    EXPECT_EQ(sim_mpp_call_count("HI_MPI_VPSS_SetGrpNRSParam"), 12u);
 }

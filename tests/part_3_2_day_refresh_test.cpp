@@ -208,6 +208,37 @@ TEST_F(DayRefresh, Gain61LoadsBlackLevel73)
     EXPECT_WRITTEN(ISP_BLACK_LEVEL_S, "HI_MPI_ISP_SetBlackLevelAttr", expected_black(73));
 }
 
+// The four gains of the edge case in one run, with a black level seeded before each "as read" gain so that
+// a write of either table would show; G = 60 stays in the high-gain band, so it makes no gamma call.
+TEST_F(DayRefresh, BlackLevelAndCurveAtGains54And55And60And61)
+{
+    load_other_day_curve(54);
+    Outcome run = day_refresh(54);
+    ASSERT_EQ(run.result, 0);
+    EXPECT_EQ(run.out, black_level_lines(54, 64));
+    EXPECT_WRITTEN(ISP_BLACK_LEVEL_S, "HI_MPI_ISP_SetBlackLevelAttr", expected_black(64));
+    EXPECT_WRITTEN(ISP_GAMMA_ATTR_S, "HI_MPI_ISP_SetGammaAttr", expected_gamma(g_gamma_table_day));
+
+    for (int32_t G : {55, 60}) {
+        ISP_BLACK_LEVEL_S seeded = power_on_record<ISP_BLACK_LEVEL_S>(SIM_REC_BLACK_LEVEL);
+        for (int c = 0; c < 4; ++c)
+            seeded.au16BlackLevel[c] = HI_U16(G * 2 + c);
+        sim_mpp_write(SIM_REC_BLACK_LEVEL, &seeded);
+        const size_t gamma_sets = sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr");
+        run = day_refresh(G);
+        ASSERT_EQ(run.result, 0) << G;
+        EXPECT_EQ(run.out, black_level_lines(G, 0)) << G;
+        EXPECT_WRITTEN(ISP_BLACK_LEVEL_S, "HI_MPI_ISP_SetBlackLevelAttr", seeded) << G;
+        EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr"), gamma_sets + (G == 55 ? 1u : 0u)) << G;
+        EXPECT_WRITTEN(ISP_GAMMA_ATTR_S, "HI_MPI_ISP_SetGammaAttr", expected_gamma(g_gamma_table_day_highgain));
+    }
+
+    run = day_refresh(61);
+    ASSERT_EQ(run.result, 0);
+    EXPECT_EQ(run.out, black_level_lines(61, 73));
+    EXPECT_WRITTEN(ISP_BLACK_LEVEL_S, "HI_MPI_ISP_SetBlackLevelAttr", expected_black(73));
+}
+
 // "55 <= G <= 60: this band keeps whichever table was written last"; at G = 57 the high-gain curve is in
 // force while the black level is whatever was written last.
 TEST_F(DayRefresh, Gain55To60KeepsWhicheverBlackLevelWasWrittenLast)
@@ -250,10 +281,42 @@ TEST_F(DayRefresh, CrossingThe54To55BoundaryLoadsTheOtherCurve)
 }
 
 // ISP_SetParamDay (Part 2.3) loads g_gamma_table_day into the platform's gamma attribute without touching
-// s32DayGammaMark; it is not written yet, so the test puts that curve in place itself.
+// s32DayGammaMark; here the test puts that curve in place itself (the next test runs the profile).
 TEST_F(DayRefresh, ComparesOnlyWithItsOwnMarkAfterTheProfileLoadedTheDayCurve)
 {
     expect_only_its_own_mark_compared(g_day_refresh, 57, 62);
+}
+
+// The same with the real ISP_SetParamDay (Part 2.3) loading g_gamma_table_day while the mark is 1: no
+// refresh anywhere in 55..62 loads a curve; G = 54 reloads the day curve and the next G >= 55 the high-gain.
+TEST_F(DayRefresh, AfterTheDayProfileLoadsItsCurveTheHighGainCurveReturnsOnlyAfterGainFallsTo54AndRises)
+{
+    load_other_day_curve(57);
+    ASSERT_EQ(day_refresh(57).result, 0); // mark 1
+    EXPECT_WRITTEN(ISP_GAMMA_ATTR_S, "HI_MPI_ISP_SetGammaAttr", expected_gamma(g_gamma_table_day_highgain));
+    ASSERT_EQ(captured(ISP_SetParamDay).result, 0);
+    const ISP_GAMMA_ATTR_S day_curve = expected_gamma(g_gamma_table_day);
+    ISP_GAMMA_ATTR_S now = platform_record<ISP_GAMMA_ATTR_S>(SIM_REC_GAMMA_ATTR);
+    ASSERT_TRUE(same_bytes(&now, &day_curve, sizeof now)) << "the profile loaded the day curve";
+
+    const size_t gets = sim_mpp_call_count("HI_MPI_ISP_GetGammaAttr");
+    const size_t sets = sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr");
+    for (int32_t G : {55, 57, 60, 62}) {
+        ASSERT_EQ(day_refresh(G).result, 0) << G;
+        EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_GetGammaAttr"), gets) << G;
+        EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr"), sets) << G;
+    }
+    now = platform_record<ISP_GAMMA_ATTR_S>(SIM_REC_GAMMA_ATTR);
+    EXPECT_TRUE(same_bytes(&now, &day_curve, sizeof now)) << "the profile's curve stays";
+
+    ASSERT_EQ(day_refresh(54).result, 0); // down to 54: the day curve, mark 0
+    EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr"), sets + 1);
+    EXPECT_WRITTEN(ISP_GAMMA_ATTR_S, "HI_MPI_ISP_SetGammaAttr", day_curve);
+    ASSERT_EQ(day_refresh(55).result, 0); // up again: the high-gain curve returns
+    EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr"), sets + 2);
+    now = platform_record<ISP_GAMMA_ATTR_S>(SIM_REC_GAMMA_ATTR);
+    const ISP_GAMMA_ATTR_S high = expected_gamma(g_gamma_table_day_highgain);
+    EXPECT_TRUE(same_bytes(&now, &high, sizeof now));
 }
 
 // State and lifecycle: the mark is set before the set call, so a failed set is not retried in the band.

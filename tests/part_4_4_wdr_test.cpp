@@ -156,6 +156,27 @@ TEST_F(Wdr, WdrLevel0DisabledOperationTypeAndStrengthsAsRead)
     EXPECT_TRUE(same_bytes(&w, &expected, sizeof expected));
 }
 
+// The power-on DRC is automatic, the type level 0 would write if it wrote one: a manual record with
+// strengths of its own shows that level 0 changes bEnable only.
+TEST_F(Wdr, WdrLevel0KeepsAManualOperationTypeAndBothStrengthsAsRead)
+{
+    ISP_DRC_ATTR_S seeded = power_on_drc();
+    seeded.enOpType = ISP_OP_TYPE_E(1);
+    seeded.stManual.u8Strength = 201;
+    seeded.stAuto.u8Strength = 202;
+    sim_mpp_write(SIM_REC_DRC_ATTR, &seeded);
+    Outcome o = set_wdr(0, 0);
+    EXPECT_EQ(o.result, 0);
+    EXPECT_EQ(platform_calls(), kDrcReadWrite);
+    ISP_DRC_ATTR_S expected = seeded;
+    expected.bEnable = HI_BOOL(0);
+    ISP_DRC_ATTR_S w = written_record<ISP_DRC_ATTR_S>(SIM_REC_DRC_ATTR);
+    EXPECT_TRUE(same_bytes(&w, &expected, sizeof expected));
+    EXPECT_EQ(raw(w.enOpType), 1u);
+    EXPECT_EQ(w.stManual.u8Strength, 201);
+    EXPECT_EQ(w.stAuto.u8Strength, 202);
+}
+
 TEST_F(Wdr, WdrLevel1EnabledAutomaticAutoStrength70)
 {
     ISP_DRC_ATTR_S seeded = power_on_drc();

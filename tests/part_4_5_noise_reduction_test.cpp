@@ -5,10 +5,12 @@
 #include <vector>
 
 #include "call_test_support.h"
+#include "core_access.h"
 
 extern "C" {
 #include "attributes/attributes.h"
 #include "isptune.h"
+#include "refresh/refresh.h"
 }
 
 namespace {
@@ -135,6 +137,30 @@ TEST_F(NoiseReduction, ModeZeroHostStrengthsBecome100AndRecordHolds100UntilTheRe
     EXPECT_EQ(now.stNRSParam_V2.MATH1, 100);
     EXPECT_EQ(now.stNRSParam_V2.MATH2, 100);
     EXPECT_EQ(ispParamReflashMark, 1);
+}
+
+// "Until the refresh": the pass that the raised mark triggers (Part 1.3, day profile, power-on gains so
+// G = 1 and L = 0) replaces the four 100s with the day tables' level-0 entries (Part 3.4), host mode 0.
+TEST_F(NoiseReduction, ModeZeroStrengthsHold100UntilTheRefreshTheMarkTriggersReplacesThem)
+{
+    test_set_profile_mode(0);
+    ASSERT_EQ(sim_host_set_field(SYSINFO_u8DnrMode, 0), 0);
+    ASSERT_EQ(set_dnr(0, 9, 9).result, 0);
+    ASSERT_EQ(ispParamReflashMark, 1);
+    VPSS_GRP_NRS_PARAM_S held = platform_nrs();
+    EXPECT_EQ(held.stNRSParam_V2.SBS3, 100);
+    EXPECT_EQ(held.stNRSParam_V2.SDS3, 100);
+    EXPECT_EQ(held.stNRSParam_V2.MATH1, 100);
+    EXPECT_EQ(held.stNRSParam_V2.MATH2, 100);
+
+    ASSERT_EQ(captured([] { return QV_ISP_SetVarParam(); }).result, 0);
+    VPSS_GRP_NRS_PARAM_S refreshed = platform_nrs();
+    EXPECT_EQ(refreshed.stNRSParam_V2.SBS3, g_3dnr_SBS3_day[0]);
+    EXPECT_EQ(refreshed.stNRSParam_V2.SDS3, g_3dnr_SDS3_day[0]);
+    EXPECT_EQ(refreshed.stNRSParam_V2.MATH1, g_3dnr_MATH1_day[0]);
+    EXPECT_EQ(refreshed.stNRSParam_V2.MATH2, g_3dnr_MATH2_day[0]);
+    EXPECT_NE(refreshed.stNRSParam_V2.SBS3, 100); // the tables' values differ from 100, so the change shows
+    EXPECT_NE(refreshed.stNRSParam_V2.MATH1, 100);
 }
 
 TEST_F(NoiseReduction, ModeOneWith2DStrength255SbsSds255MathAsRead)
