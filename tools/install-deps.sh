@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that building, testing and running isptune need (as root), or says
-# which are missing (as anyone else). Used by .ci/run and by the README's commands.
+# which are missing (as anyone else). Used by .ci/run and by the README's commands. Extra package names
+# given as arguments are added (tools/coverage.sh asks for gcovr this way).
 set -euo pipefail
 
 packages=(
@@ -9,6 +10,7 @@ packages=(
   gcc-arm-linux-gnueabi g++-arm-linux-gnueabi qemu-user   # ARM926 cross build, tests under qemu-arm
   python3 gnuplot-nox valgrind binutils file       # generators, plots, callgrind, size/nm
   libyaml-dev                                       # isptune-sim: scenario files (YAML)
+  "$@"
 )
 
 missing=()
