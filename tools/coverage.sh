@@ -13,7 +13,7 @@ find build/coverage -name '*.gcda' -delete 2>/dev/null || true # figures of this
 cmake --workflow --preset coverage
 
 mkdir -p build/coverage/report
-gcovr --root . --filter 'src/' --object-directory build/coverage \
+gcovr --root . --filter 'src/' --object-directory build/coverage --exclude-directories 'build/coverage/CMakeFiles' \
       --exclude-unreachable-branches --exclude-throw-branches \
       --txt --print-summary \
       --html-details build/coverage/report/index.html
