@@ -291,32 +291,7 @@ TEST_F(DayRefresh, ComparesOnlyWithItsOwnMarkAfterTheProfileLoadedTheDayCurve)
 // refresh anywhere in 55..62 loads a curve; G = 54 reloads the day curve and the next G >= 55 the high-gain.
 TEST_F(DayRefresh, AfterTheDayProfileLoadsItsCurveTheHighGainCurveReturnsOnlyAfterGainFallsTo54AndRises)
 {
-    load_other_day_curve(57);
-    ASSERT_EQ(day_refresh(57).result, 0); // mark 1
-    EXPECT_WRITTEN(ISP_GAMMA_ATTR_S, "HI_MPI_ISP_SetGammaAttr", expected_gamma(g_gamma_table_day_highgain));
-    ASSERT_EQ(captured(ISP_SetParamDay).result, 0);
-    const ISP_GAMMA_ATTR_S day_curve = expected_gamma(g_gamma_table_day);
-    ISP_GAMMA_ATTR_S now = platform_record<ISP_GAMMA_ATTR_S>(SIM_REC_GAMMA_ATTR);
-    ASSERT_TRUE(same_bytes(&now, &day_curve, sizeof now)) << "the profile loaded the day curve";
-
-    const size_t gets = sim_mpp_call_count("HI_MPI_ISP_GetGammaAttr");
-    const size_t sets = sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr");
-    for (int32_t G : {55, 57, 60, 62}) {
-        ASSERT_EQ(day_refresh(G).result, 0) << G;
-        EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_GetGammaAttr"), gets) << G;
-        EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr"), sets) << G;
-    }
-    now = platform_record<ISP_GAMMA_ATTR_S>(SIM_REC_GAMMA_ATTR);
-    EXPECT_TRUE(same_bytes(&now, &day_curve, sizeof now)) << "the profile's curve stays";
-
-    ASSERT_EQ(day_refresh(54).result, 0); // down to 54: the day curve, mark 0
-    EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr"), sets + 1);
-    EXPECT_WRITTEN(ISP_GAMMA_ATTR_S, "HI_MPI_ISP_SetGammaAttr", day_curve);
-    ASSERT_EQ(day_refresh(55).result, 0); // up again: the high-gain curve returns
-    EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr"), sets + 2);
-    now = platform_record<ISP_GAMMA_ATTR_S>(SIM_REC_GAMMA_ATTR);
-    const ISP_GAMMA_ATTR_S high = expected_gamma(g_gamma_table_day_highgain);
-    EXPECT_TRUE(same_bytes(&now, &high, sizeof now));
+    expect_profile_curve_stays_until_the_gain_leaves_the_band(g_day_refresh);
 }
 
 // State and lifecycle: the mark is set before the set call, so a failed set is not retried in the band.

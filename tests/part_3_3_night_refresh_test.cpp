@@ -238,32 +238,7 @@ TEST_F(NightRefresh, ComparesOnlyWithItsOwnMarkAfterTheProfileLoadedTheNightCurv
 // refresh anywhere in 33..62 loads a curve; G = 32 reloads the night curve and the next G >= 33 the high-gain.
 TEST_F(NightRefresh, AfterTheNightProfileLoadsItsCurveTheHighGainCurveReturnsOnlyAfterGainFallsTo32AndRises)
 {
-    load_other_night_curve(40);
-    ASSERT_EQ(night_refresh(40).result, 0); // mark 1
-    EXPECT_WRITTEN(ISP_GAMMA_ATTR_S, "HI_MPI_ISP_SetGammaAttr", expected_gamma(g_gamma_table_night_highgain));
-    ASSERT_EQ(captured(ISP_SetParamNight).result, 0);
-    const ISP_GAMMA_ATTR_S night_curve = expected_gamma(g_gamma_table_night);
-    ISP_GAMMA_ATTR_S now = platform_record<ISP_GAMMA_ATTR_S>(SIM_REC_GAMMA_ATTR);
-    ASSERT_TRUE(same_bytes(&now, &night_curve, sizeof now)) << "the profile loaded the night curve";
-
-    const size_t gets = sim_mpp_call_count("HI_MPI_ISP_GetGammaAttr");
-    const size_t sets = sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr");
-    for (int32_t G : {33, 40, 50, 62}) {
-        ASSERT_EQ(night_refresh(G).result, 0) << G;
-        EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_GetGammaAttr"), gets) << G;
-        EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr"), sets) << G;
-    }
-    now = platform_record<ISP_GAMMA_ATTR_S>(SIM_REC_GAMMA_ATTR);
-    EXPECT_TRUE(same_bytes(&now, &night_curve, sizeof now)) << "the profile's curve stays";
-
-    ASSERT_EQ(night_refresh(32).result, 0); // down to 32: the night curve, mark 0
-    EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr"), sets + 1);
-    EXPECT_WRITTEN(ISP_GAMMA_ATTR_S, "HI_MPI_ISP_SetGammaAttr", night_curve);
-    ASSERT_EQ(night_refresh(33).result, 0); // up again: the high-gain curve returns
-    EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr"), sets + 2);
-    now = platform_record<ISP_GAMMA_ATTR_S>(SIM_REC_GAMMA_ATTR);
-    const ISP_GAMMA_ATTR_S high = expected_gamma(g_gamma_table_night_highgain);
-    EXPECT_TRUE(same_bytes(&now, &high, sizeof now));
+    expect_profile_curve_stays_until_the_gain_leaves_the_band(g_night_refresh);
 }
 
 // Each refresh keeps its own mark: a day refresh in between changes nothing for the night.

@@ -6,10 +6,10 @@
 
 RefreshKind g_day_refresh = {"ISP_SetParamDayRefresh", ISP_SetParamDayRefresh, &g_3dnr_tables_day,
                              gColorDRCStrength, gColorDefog, 55, g_gamma_table_day, g_gamma_table_day_highgain,
-                             0};
+                             ISP_SetParamDay, 0};
 RefreshKind g_night_refresh = {"ISP_SetParamNightRefresh", ISP_SetParamNightRefresh, &g_3dnr_tables_night,
                                gNightDRCStrength, gNightDefog, 33, g_gamma_table_night,
-                               g_gamma_table_night_highgain, 0};
+                               g_gamma_table_night_highgain, ISP_SetParamNight, 0};
 
 const Calls kGammaCalls = {"HI_MPI_ISP_GetGammaAttr", "HI_MPI_ISP_SetGammaAttr"};
 const Calls kDrcCalls = {"HI_MPI_ISP_GetDRCAttr", "HI_MPI_ISP_SetDRCAttr"};
@@ -242,6 +242,37 @@ void expect_only_its_own_mark_compared(RefreshKind &kind, int32_t G1, int32_t G2
     EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr"), before + 2);
     now = platform_record<ISP_GAMMA_ATTR_S>(SIM_REC_GAMMA_ATTR);
     ISP_GAMMA_ATTR_S high = expected_gamma(kind.high_gain_curve);
+    EXPECT_TRUE(same_bytes(&now, &high, sizeof now));
+}
+
+void expect_profile_curve_stays_until_the_gain_leaves_the_band(RefreshKind &kind)
+{
+    const int32_t in_band = kind.high_gain_from + 7;
+    load_other_curve(kind, in_band);
+    ASSERT_EQ(run_refresh(kind, in_band).result, 0); // mark 1
+    EXPECT_WRITTEN(ISP_GAMMA_ATTR_S, "HI_MPI_ISP_SetGammaAttr", expected_gamma(kind.high_gain_curve));
+    ASSERT_EQ(captured(kind.profile).result, 0);
+    const ISP_GAMMA_ATTR_S profile_curve = expected_gamma(kind.curve);
+    ISP_GAMMA_ATTR_S now = platform_record<ISP_GAMMA_ATTR_S>(SIM_REC_GAMMA_ATTR);
+    ASSERT_TRUE(same_bytes(&now, &profile_curve, sizeof now)) << "the profile loaded its curve";
+
+    const size_t gets = sim_mpp_call_count("HI_MPI_ISP_GetGammaAttr");
+    const size_t sets = sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr");
+    for (int32_t G : {kind.high_gain_from, in_band, 60, 62}) {
+        ASSERT_EQ(run_refresh(kind, G).result, 0) << G;
+        EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_GetGammaAttr"), gets) << G;
+        EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr"), sets) << G;
+    }
+    now = platform_record<ISP_GAMMA_ATTR_S>(SIM_REC_GAMMA_ATTR);
+    EXPECT_TRUE(same_bytes(&now, &profile_curve, sizeof now)) << "the profile's curve stays";
+
+    ASSERT_EQ(run_refresh(kind, kind.high_gain_from - 1).result, 0); // below the band: its curve, mark 0
+    EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr"), sets + 1);
+    EXPECT_WRITTEN(ISP_GAMMA_ATTR_S, "HI_MPI_ISP_SetGammaAttr", profile_curve);
+    ASSERT_EQ(run_refresh(kind, kind.high_gain_from).result, 0); // up again: the high-gain curve returns
+    EXPECT_EQ(sim_mpp_call_count("HI_MPI_ISP_SetGammaAttr"), sets + 2);
+    now = platform_record<ISP_GAMMA_ATTR_S>(SIM_REC_GAMMA_ATTR);
+    const ISP_GAMMA_ATTR_S high = expected_gamma(kind.high_gain_curve);
     EXPECT_TRUE(same_bytes(&now, &high, sizeof now));
 }
 

@@ -23,6 +23,7 @@ struct RefreshKind {
     const uint8_t *drc_table, *defog_table;
     int32_t high_gain_from; // the first G of the high-gain gamma curve
     const uint32_t *curve, *high_gain_curve;
+    int32_t (*profile)(void); // the profile application that loads `curve` (Parts 2.3, 2.4)
     int refreshes; // run so far in this process (its gamma mark is -1 only before the first)
 };
 extern RefreshKind g_day_refresh;   // Part 3.2
@@ -108,6 +109,10 @@ void expect_band_crossings_load_the_other_curve(RefreshKind &kind);
 void expect_only_its_own_mark_compared(RefreshKind &kind, int32_t G1, int32_t G2);
 // The mark is set before the set call, so a failed gamma set is not retried until the band changes.
 void expect_failed_gamma_set_not_retried_in_the_band(RefreshKind &kind);
+// The same with the real profile application loading the profile's curve while the mark is 1: no refresh
+// anywhere in the high-gain band loads a curve; one below it reloads the profile's curve, and the next in
+// the band the high-gain curve.
+void expect_profile_curve_stays_until_the_gain_leaves_the_band(RefreshKind &kind);
 // The day noise-reduction tables' entry 0 in every field (Part 3.4, at G = 1 under u8DnrMode 0).
 void expect_day_level0_values(const NRS_PARAM_V2_S &p);
 
