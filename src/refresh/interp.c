@@ -10,6 +10,8 @@ static int32_t floor_div_pow2(int32_t n, int32_t k)
     return n >= 0 ? n >> k : -((-n + (1 << k) - 1) >> k);
 }
 
+/* The same in 64 bits, for products beyond 32 bits (a 64-bit shift is a library call on the ARM926, so
+ * the usual case keeps the 32-bit one). */
 static int64_t floor_div_pow2_wide(int64_t n, int32_t k)
 {
     return n >= 0 ? n >> k : -((-n + ((int64_t)1 << k) - 1) >> k);
